@@ -1,24 +1,25 @@
 #pragma once
 
-#include "packages/product_downloads.h"
-#include "ui/localisation.h"
+#include "catalogue/catalogue_services.h"
 
 #include <QJsonArray>
+#include <QList>
 #include <QWidget>
 
 #include <functional>
 
+class QLabel;
+class QLineEdit;
+class QVBoxLayout;
+
 namespace quillmar
 {
 
-/// What the catalogue's widgets need of the rest of the module. All references outlive the widgets except `downloads`,
-/// which is held through guarded pointers.
-struct CatalogueServices {
-    const Localisation &localisation;
-    QPointer<ProductDownloads> downloads;
-};
+class CategoryComboBox;
+class ProductCard;
 
-/// The catalogue area of the dock: a search field and a category filter above a scrolling column of product cards.
+/// The catalogue area of the dock: a search field and a category filter above a scrolling column of product
+/// cards.
 class ProductList : public QWidget
 {
     Q_OBJECT
@@ -26,12 +27,35 @@ class ProductList : public QWidget
 public:
     /// `quotaChanged` is called after a direct download has used quota.
     ProductList(CatalogueServices services, std::function<void()> quotaChanged);
+    ~ProductList() override;
 
-    /// Replaces every card and the category list, and resets both filters. Elements that are not objects are skipped.
+    /// Replaces every card and the category list, and resets both filters. Elements that are not objects are
+    /// skipped.
     void setProducts(const QJsonArray &products);
 
     /// Applies texts and direction of the current language.
     void retranslate();
+
+private:
+    void buildHeader(QVBoxLayout *layout);
+    void buildScrollArea(QVBoxLayout *layout);
+    void removeCards();
+    void resetFilters();
+    void addCard(const QJsonObject &product);
+    void addCategories();
+    void chooseCategory();
+    void applyFilter();
+    bool matches(const ProductCard &card, const QString &query, const QString &category) const;
+    bool isFilterActive(const QString &query) const;
+
+    CatalogueServices services_;
+    std::function<void()> quotaChanged_;
+    QLineEdit *search_ = nullptr;
+    CategoryComboBox *categories_ = nullptr;
+    QWidget *container_ = nullptr;
+    QVBoxLayout *cardLayout_ = nullptr;
+    QLabel *noResults_ = nullptr;
+    QList<ProductCard *> cards_;
 };
 
 } // namespace quillmar

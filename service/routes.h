@@ -3,11 +3,12 @@
 #include <QNetworkRequest>
 #include <QString>
 
-/// Requests of the web service, complete with address, method-independent headers, transfer time-out and policies.
+/// Requests of the web service, complete with address, method-independent headers, transfer time-out and
+/// policies.
 ///
-/// Redirects are never followed: Qt would carry the Authorization header to another host and repeat a POST body there.
-/// The host is the build-time constant QUILLMAR_SERVICE_HOST. `token` and `ticket` are sent as their UTF-8 bytes, read
-/// by the caller at the moment it builds the request.
+/// Redirects are never followed: Qt would carry the Authorization header to another host and repeat a POST
+/// body there. The host is the build-time constant QUILLMAR_SERVICE_HOST. `token` and `ticket` are sent as
+/// their UTF-8 bytes, read by the caller at the moment it builds the request.
 namespace quillmar::routes
 {
 
@@ -29,8 +30,8 @@ QNetworkRequest downloadQuota(const QString &token);
 /// POST, JSON body; 30 s.
 QNetworkRequest downloadTicket(const QString &token);
 
-/// POST with an empty body, no content type and no bearer token; 120 s without a byte. Asks for the bytes as they are,
-/// so that sizes and digests speak of what is on the wire.
+/// POST with an empty body, no content type and no bearer token; 120 s without a byte. Asks for the bytes as
+/// they are, so that sizes and digests speak of what is on the wire.
 QNetworkRequest downloadFile(const QString &ticket);
 
 } // namespace quillmar::routes

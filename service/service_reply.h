@@ -27,12 +27,24 @@ struct ServiceReply {
 /// Status of `reply`, 0 when no HTTP response was received.
 int httpStatus(const QNetworkReply &reply);
 
-/// Reads status, error and whole body of a finished reply. A body that is not JSON yields an empty object. Does not
-/// keep or delete `reply`.
+/// Reads status, error and whole body of a finished reply. A body that is not JSON yields an empty object.
+/// Does not keep or delete `reply`.
 ServiceReply readServiceReply(QNetworkReply &reply);
 
-/// Takes every connection of `reply` away, then aborts it and leaves its deletion to the event loop. Aborting a reply
-/// emits its signals at once, so nothing else in the module calls abort() on a reply that still has handlers.
+/// A reply of the service in JSON is never larger: some sixty thousand products with everything that they may
+/// carry.
+inline constexpr qint64 MaximumJsonReplySize = qint64(64) * 1024 * 1024;
+
+/// Aborts `reply` as soon as more than `maximum` bytes wait to be read; its handlers then see a network
+/// error. For replies that are read once, at their end.
+void limitBody(QNetworkReply *reply, qint64 maximum = MaximumJsonReplySize);
+
+/// Takes every connection of `reply` away, then aborts it and leaves its deletion to the event loop; null is
+/// ignored.
+///
+/// Aborting a reply emits its signals before abort() returns, so an owner who has lost interest uses this.
+/// Only who wants the handlers to run calls abort() itself: limitBody() and the sign-out, which ends the
+/// requests of others.
 void dropReply(QNetworkReply *reply);
 
 } // namespace quillmar

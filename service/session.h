@@ -7,8 +7,8 @@ namespace quillmar
 
 /// The bearer token of the signed-in account and the counter that tells one session from the next.
 ///
-/// Every authenticated request remembers `generation()` when it is sent; a reply that meets another value is stale and
-/// changes nothing. Threads: the user-interface thread only.
+/// Every authenticated request remembers `generation()` when it is sent; a reply that meets another value is
+/// stale and changes nothing. Threads: the user-interface thread only.
 class Session
 {
 public:

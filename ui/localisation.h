@@ -14,13 +14,13 @@ inline constexpr QLatin1StringView EnglishCode{"en-US"};
 
 /// The current language and the texts of the loaded locale table.
 ///
-/// Knows neither OBS nor the file format: both come in as small functions. Threads: the user-interface thread only.
-/// Lives longer than every widget that is given a reference to it.
+/// Knows neither OBS nor the file format: both come in as small functions. Threads: the user-interface thread
+/// only. Lives longer than every widget that is given a reference to it.
 class Localisation
 {
 public:
-    /// Looks `key` up in the loaded table. Returns false, and leaves `*text` alone, when the table has no entry or no
-    /// table is loaded. The text is UTF-8 and stays valid until the table is loaded again.
+    /// Looks `key` up in the loaded table. Returns false, and leaves `*text` alone, when the table has no
+    /// entry or no table is loaded. The text is UTF-8 and stays valid until the table is loaded again.
     using Lookup = std::function<bool(const char *key, const char **text)>;
 
     /// Drops the loaded table and loads the one of `language`.
@@ -39,15 +39,16 @@ public:
     /// Qt::AlignRight for Persian, else Qt::AlignLeft.
     Qt::AlignmentFlag readingSide() const { return isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft; }
 
-    /// Makes `language` current and loads its table. Renders nothing: whoever shows texts does that afterwards.
+    /// Makes `language` current and loads its table. Renders nothing: whoever shows texts does that
+    /// afterwards.
     void setLanguage(const QString &language);
 
     /// The text of `key`, or the key itself when there is none.
     QString translate(const char *key) const;
     QString translate(const QString &key) const;
 
-    /// Remembers `key` and `suffix` on the label (properties `quillmarTextKey`, `quillmarTextSuffix`) and shows the
-    /// text of the key followed by the suffix, so that a language switch can show it again.
+    /// Remembers `key` and `suffix` on the label (properties `quillmarTextKey`, `quillmarTextSuffix`) and
+    /// shows the text of the key followed by the suffix, so that a language switch can show it again.
     void setTranslatedText(QLabel *label, const QString &key, const QString &suffix = {}) const;
 
     /// Shows a remembered key again; leaves a label without a key as it is.
@@ -62,7 +63,8 @@ private:
 /// Forgets the key of a label and empties its text, so that a language switch does not bring it back.
 void clearTranslatedText(QLabel *label);
 
-/// `text` with every "Quillmar" between a left-to-right isolate (U+2066) and its end (U+2069). Case-sensitive.
+/// `text` with every "Quillmar" between a left-to-right isolate (U+2066) and its end (U+2069).
+/// Case-sensitive.
 QString isolateBrandName(const QString &text);
 
 /// The first `maximum` UTF-16 units of `text`, one fewer where the cut would split a surrogate pair.

@@ -28,8 +28,8 @@ struct WireRequest {
     bool hasHeader(QByteArrayView lowerName) const;
 };
 
-/// The server's end of the connection that a request came by; misbehaves on demand. Safe to use after the client has
-/// gone away: everything is then ignored.
+/// The server's end of the connection that a request came by; misbehaves on demand. Safe to use after the
+/// client has gone away: everything is then ignored.
 class WireConnection
 {
 public:
@@ -55,10 +55,11 @@ private:
 
 /// A service that answers under the real service host on loopback.
 ///
-/// While an instance lives, the application's HTTP proxy is a socket of its own that accepts CONNECT for any host and
-/// port, ends TLS itself with a certificate of the service host, and hands each request to the handler of its path. The
-/// authority that signed the certificate is made at run time and added to the default TLS configuration. What a client
-/// sees are the very bytes that the handler sends. One instance at a time; everything on the thread that made it.
+/// While an instance lives, the application's HTTP proxy is a socket of its own that accepts CONNECT for any
+/// host and port, ends TLS itself with a certificate of the service host, and hands each request to the
+/// handler of its path. The authority that signed the certificate is made at run time and is the only one that the
+/// default TLS configuration trusts. What a client sees are the very bytes that the handler sends. One instance at a
+/// time; everything on the thread that made it.
 class TlsService : public QObject
 {
     Q_OBJECT
@@ -82,15 +83,22 @@ public:
     /// Hosts and ports that were asked for by CONNECT, in order ("quillmar.example:443").
     const QList<QByteArray> &connects() const { return connects_; }
 
-    /// From now on the certificate is one that a client must refuse.
+    /// From now on the certificate is this one; all but the first are certificates that a client must refuse.
+    /// This and the two settings below rule the connections to come. One that is open stays as it is: a
+    /// client that has one forgets it with QNetworkAccessManager::clearConnectionCache().
     enum class Certificate { Good, SelfSigned, WrongName, Expired };
     void useCertificate(Certificate certificate);
 
     /// From now on CONNECT is answered and the connection then closed, so that no HTTP response ever comes.
     void setUnreachable(bool unreachable);
 
+    /// From now on a tunnel that was asked for gets these bytes instead of TLS, and is closed. Empty: TLS
+    /// again.
+    void setPlainText(const QByteArray &plainText);
+
     /// A complete HTTP/1.1 response with Content-Length.
-    static QByteArray response(int status, const QByteArray &body, const QByteArray &contentType = "application/json",
+    static QByteArray response(int status, const QByteArray &body,
+                               const QByteArray &contentType = "application/json",
                                const QList<std::pair<QByteArray, QByteArray>> &headers = {});
     static QByteArray json(int status, const QJsonObject &object);
 

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "packages/product_downloads.h"
+#include "ui/localisation.h"
+
+#include <QPointer>
+
+#include <functional>
+
+class QLabel;
+class QPushButton;
+class QWidget;
+
+namespace quillmar
+{
+
+/// What the catalogue's widgets need of the rest of the module. `localisation` outlives the widgets;
+/// `downloads` may die before them.
+struct CatalogueServices {
+    /// Saves the file of the product `productKey` as it is, showing every state on the button and the label,
+    /// and calls `quotaChanged` when quota was used.
+    using DirectDownload = std::function<void(QPushButton *button, QLabel *status, const QString &productKey,
+                                              std::function<void()> quotaChanged)>;
+
+    /// Shows the details of `product`; `card` is the widget that asks.
+    using OpenDetails = std::function<void(const ComponentProduct &product, QWidget *card)>;
+
+    const Localisation &localisation;
+    QPointer<ProductDownloads> downloads;
+    DirectDownload startDirectDownload = {}; ///< empty: the download buttons are disabled
+    OpenDetails openDetails = {};            ///< empty: the details buttons are hidden
+};
+
+} // namespace quillmar

@@ -1,0 +1,173 @@
+#include "catalogue/product_card.h"
+
+#include "obs/component_actions.h"
+#include "ui/plain_tool_tip.h"
+
+#include <QJsonObject>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace quillmar
+{
+
+namespace
+{
+
+constexpr QLatin1StringView CardStyle{
+    "QFrame#quillmarProductCard { background-color: #151a17; border: 1px solid #55ff22; border-radius: 8px; }"
+    "QFrame#quillmarProductCard QLabel { background: transparent; border: none; }"};
+constexpr QLatin1StringView NameStyle{"font-size: 14px; font-weight: 700; color: #55ff22;"};
+
+constexpr int PreviewHeight = 140;
+
+/// Longest description shown whole, and what is left of a longer one before the ellipsis; UTF-16 units.
+constexpr qsizetype WholeDescription = 240;
+constexpr qsizetype CutDescription = 237;
+
+QString shortened(const QString &description)
+{
+    if (description.size() <= WholeDescription)
+        return description;
+    return leftWithoutSplitting(description, CutDescription) + u'…';
+}
+
+/// A label that shows `content` as it is and takes the width that the card has.
+QLabel *newTextLabel(const QString &content, QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    label->setText(content);
+    return label;
+}
+
+} // namespace
+
+ProductCard::ProductCard(const QJsonObject &product, const CatalogueServices &services,
+                         const std::function<void()> &quotaChanged, QWidget *parent)
+    : QFrame(parent),
+      localisation_(services.localisation),
+      product_(parseComponentProduct(product)),
+      category_(product.value("category"_L1).toString())
+{
+    setObjectName("quillmarProductCard"_L1);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
+    setStyleSheet(CardStyle);
+    buildLabels();
+    layOut();
+    addDetailsButton(services.openDetails);
+    if (product_.components.isEmpty())
+        addDirectDownload(services, quotaChanged);
+    else
+        addComponentActions(services);
+    retranslate();
+}
+
+void ProductCard::buildLabels()
+{
+    previewLabel_ = new QLabel(this);
+    previewLabel_->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
+    previewLabel_->setFixedHeight(PreviewHeight);
+    previewLabel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    previewLabel_->setWordWrap(true);
+    nameLabel_ = newTextLabel(product_.product_name, this);
+    nameLabel_->setStyleSheet(NameStyle);
+    descriptionLabel_ = newTextLabel({}, this);
+    describe();
+    downloadButton_ = new QPushButton(this);
+    statusLabel_ = newTextLabel({}, this);
+    statusLabel_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+}
+
+void ProductCard::describe()
+{
+    const QString whole = product_.description.simplified();
+    descriptionLabel_->setProperty("productName", product_.product_name);
+    descriptionLabel_->setProperty("productDescription", shortened(whole));
+    setPlainToolTip(descriptionLabel_, whole);
+    descriptionLabel_->setProperty("productCategory", category_);
+    descriptionLabel_->setProperty("productVersion", product_.product_version);
+}
+
+void ProductCard::layOut()
+{
+    layout_ = new QVBoxLayout(this);
+    layout_->setContentsMargins(12, 12, 12, 12);
+    layout_->setSpacing(10);
+    layout_->addWidget(previewLabel_);
+    layout_->addWidget(nameLabel_);
+    layout_->addWidget(descriptionLabel_);
+    layout_->addWidget(downloadButton_);
+    layout_->addWidget(statusLabel_);
+}
+
+void ProductCard::addDetailsButton(const CatalogueServices::OpenDetails &openDetails)
+{
+    detailsButton_ = new QPushButton(this);
+    layout_->addWidget(detailsButton_);
+    if (openDetails)
+        connect(detailsButton_, &QPushButton::clicked, this,
+                [this, openDetails] { openDetails(product_, this); });
+    else
+        detailsButton_->hide();
+}
+
+void ProductCard::addDirectDownload(const CatalogueServices &services,
+                                    const std::function<void()> &quotaChanged)
+{
+    if (!services.startDirectDownload) {
+        downloadButton_->setEnabled(false);
+        return;
+    }
+    connect(downloadButton_, &QPushButton::clicked, this,
+            [this, start = services.startDirectDownload, quotaChanged] {
+                start(downloadButton_, statusLabel_, product_.product_key, quotaChanged);
+            });
+}
+
+void ProductCard::addComponentActions(const CatalogueServices &services)
+{
+    downloadButton_->hide();
+    statusLabel_->hide();
+    componentActions_ =
+        new ComponentActions(product_, services.downloads, localisation_, this, /*expanded=*/false);
+    layout_->addWidget(componentActions_);
+}
+
+bool ProductCard::containsText(const QString &query) const
+{
+    return product_.product_name.contains(query, Qt::CaseInsensitive) ||
+           product_.description.contains(query, Qt::CaseInsensitive) ||
+           category_.contains(query, Qt::CaseInsensitive);
+}
+
+QString ProductCard::descriptionText() const
+{
+    const auto property = [this](const char *name) { return descriptionLabel_->property(name).toString(); };
+    return property("productDescription") + u"\n\n"_s + localisation_.translate("Product.Category") +
+           u": "_s + property("productCategory") + u'\n' + localisation_.translate("Product.Version") +
+           u": "_s + property("productVersion");
+}
+
+void ProductCard::retranslate()
+{
+    const Qt::LayoutDirection direction = localisation_.direction();
+    setLayoutDirection(direction);
+    for (QLabel *label : {nameLabel_, descriptionLabel_, statusLabel_}) {
+        label->setLayoutDirection(direction);
+        label->setAlignment(localisation_.readingSide() | Qt::AlignTop | Qt::AlignAbsolute);
+    }
+    descriptionLabel_->setText(descriptionText());
+    downloadButton_->setText(localisation_.translate("Product.Download"));
+    detailsButton_->setText(localisation_.translate("Gallery.Details"));
+    if (componentActions_)
+        componentActions_->retranslate(direction);
+    previewLabel_->setText(localisation_.translate("Product.PreviewUnavailable"));
+    localisation_.renderTranslatedText(statusLabel_);
+}
+
+} // namespace quillmar

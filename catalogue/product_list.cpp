@@ -1,0 +1,210 @@
+#include "catalogue/product_list.h"
+
+#include "catalogue/category_combo_box.h"
+#include "catalogue/product_card.h"
+#include "ui/plain_tool_tip.h"
+
+#include <QHBoxLayout>
+#include <QJsonObject>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScrollArea>
+#include <QSet>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace quillmar
+{
+
+namespace
+{
+
+constexpr QLatin1StringView CategoryStyle{
+    "QComboBox { background: #151a17; color: white; border: 1px solid #3a443d; "
+    "border-radius: 7px; padding: 10px 4px; }"};
+
+/// Takes the cards out of sight while many of them change, so that the column is laid out and polished once
+/// instead of once per card. Nothing is painted in between.
+class HiddenWhileChanging
+{
+public:
+    explicit HiddenWhileChanging(QWidget *widget) : widget_(widget), wasHidden_(widget->isHidden())
+    {
+        widget_->hide();
+    }
+    ~HiddenWhileChanging() { widget_->setHidden(wasHidden_); }
+    Q_DISABLE_COPY_MOVE(HiddenWhileChanging)
+
+private:
+    QWidget *widget_;
+    bool wasHidden_;
+};
+
+} // namespace
+
+ProductList::ProductList(CatalogueServices services, std::function<void()> quotaChanged)
+    : services_(std::move(services)), quotaChanged_(std::move(quotaChanged))
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(12);
+    buildHeader(layout);
+    buildScrollArea(layout);
+    connect(search_, &QLineEdit::textChanged, this, &ProductList::applyFilter);
+    connect(categories_, &QComboBox::currentIndexChanged, this, &ProductList::chooseCategory);
+    retranslate();
+}
+
+ProductList::~ProductList() = default;
+
+void ProductList::buildHeader(QVBoxLayout *layout)
+{
+    auto *header = new QWidget(this);
+    auto *row = new QHBoxLayout(header);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(8);
+    search_ = new QLineEdit(header);
+    search_->setMinimumWidth(0);
+    search_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    row->addWidget(search_, 1);
+    categories_ = new CategoryComboBox(header);
+    categories_->setMinimumWidth(70);
+    categories_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    categories_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    categories_->setStyleSheet(CategoryStyle);
+    categories_->addItem(services_.localisation.translate("Products.AllCategories"), QString());
+    row->addWidget(categories_, 0);
+    layout->addWidget(header, 0);
+}
+
+void ProductList::buildScrollArea(QVBoxLayout *layout)
+{
+    auto *scrollArea = new QScrollArea(this);
+    scrollArea->setWidgetResizable(true);
+    scrollArea->setFrameShape(QFrame::NoFrame);
+    scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    layout->addWidget(scrollArea, 1);
+
+    container_ = new QWidget;
+    cardLayout_ = new QVBoxLayout(container_);
+    cardLayout_->setContentsMargins(0, 0, 0, 0);
+    cardLayout_->setSpacing(12);
+    cardLayout_->setAlignment(Qt::AlignTop);
+    noResults_ = new QLabel(container_);
+    noResults_->setWordWrap(true);
+    noResults_->hide();
+    cardLayout_->addWidget(noResults_);
+    scrollArea->setWidget(container_);
+}
+
+void ProductList::setProducts(const QJsonArray &products)
+{
+    const HiddenWhileChanging hidden(container_);
+    removeCards();
+    const QSignalBlocker searchBlocker(search_);
+    const QSignalBlocker categoriesBlocker(categories_);
+    resetFilters();
+    for (const auto &product : products) {
+        if (product.isObject())
+            addCard(product.toObject());
+    }
+    addCategories();
+    applyFilter();
+}
+
+void ProductList::removeCards()
+{
+    // The list is emptied first: a card that dies may let go of the focus and so call back into this widget.
+    qDeleteAll(std::exchange(cards_, {}));
+}
+
+void ProductList::resetFilters()
+{
+    search_->clear();
+    categories_->clear();
+    categories_->addItem(services_.localisation.translate("Products.AllCategories"), QString());
+    setPlainToolTip(categories_, categories_->currentText());
+}
+
+void ProductList::addCard(const QJsonObject &product)
+{
+    auto *card = new ProductCard(product, services_, quotaChanged_, container_);
+    cards_.append(card);
+    cardLayout_->insertWidget(cardLayout_->count() - 1, card);
+}
+
+void ProductList::addCategories()
+{
+    QSet<QString> known;
+    for (const ProductCard *card : std::as_const(cards_)) {
+        const QString category = card->category().trimmed();
+        if (category.isEmpty() || known.contains(category))
+            continue;
+        known.insert(category);
+        categories_->addItem(category, category);
+    }
+}
+
+void ProductList::chooseCategory()
+{
+    setPlainToolTip(categories_, categories_->currentText());
+    applyFilter();
+}
+
+void ProductList::applyFilter()
+{
+    const QString query = search_->text().trimmed();
+    const QString category = categories_->currentData().toString();
+    QList<ProductCard *> changed;
+    bool anyVisible = false;
+    for (ProductCard *card : std::as_const(cards_)) {
+        const bool visible = matches(*card, query, category);
+        anyVisible = anyVisible || visible;
+        if (visible == card->isHidden())
+            changed.append(card);
+    }
+    if (!changed.isEmpty()) {
+        const HiddenWhileChanging hidden(container_);
+        for (ProductCard *card : std::as_const(changed))
+            card->setVisible(card->isHidden());
+    }
+    noResults_->setVisible(!anyVisible && isFilterActive(query));
+}
+
+bool ProductList::matches(const ProductCard &card, const QString &query, const QString &category) const
+{
+    if (!category.isEmpty() && card.category().trimmed() != category)
+        return false;
+    return card.containsText(query);
+}
+
+bool ProductList::isFilterActive(const QString &query) const
+{
+    return !query.isEmpty() || categories_->currentIndex() > 0;
+}
+
+void ProductList::retranslate()
+{
+    const Localisation &texts = services_.localisation;
+    const Qt::Alignment side = texts.readingSide() | Qt::AlignAbsolute;
+    setLayoutDirection(texts.direction());
+    categories_->setLayoutDirection(texts.direction());
+    categories_->setItemText(0, texts.translate("Products.AllCategories"));
+    categories_->setAccessibleName(texts.translate("Products.CategoryFilter"));
+    setPlainToolTip(categories_, categories_->currentText());
+    search_->setLayoutDirection(texts.direction());
+    search_->setAlignment(side | Qt::AlignVCenter);
+    search_->setPlaceholderText(texts.translate("Products.SearchPlaceholder"));
+    search_->setAccessibleName(texts.translate("Products.SearchPlaceholder"));
+    noResults_->setLayoutDirection(texts.direction());
+    noResults_->setAlignment(side | Qt::AlignTop);
+    noResults_->setText(texts.translate("Products.NoSearchResults"));
+    for (ProductCard *card : std::as_const(cards_))
+        card->retranslate();
+}
+
+} // namespace quillmar

@@ -1,0 +1,132 @@
+#include "packages/package_body.h"
+
+#include "packages/incoming_package.h"
+#include "service/service_reply.h"
+
+#include <utility>
+
+namespace quillmar
+{
+
+namespace
+{
+
+constexpr qint64 kMiB = 1024 * 1024;
+constexpr qint64 kReadBufferBytes = 4 * kMiB;
+constexpr qint64 kPieceBytes = 4 * kMiB;
+constexpr qint64 kMaxReasonBytes = kMiB;
+constexpr qint64 kMaxPackageBytes = 2048 * kMiB; ///< of a package whose size is unknown
+constexpr int kHttpOk = 200;
+
+} // namespace
+
+PackageBody::PackageBody(QNetworkReply *reply, FileWorkers &workers, const QString &root,
+                         const ComponentProduct &product, QObject *parent)
+    : QObject(parent), workers_(workers), reply_(reply),
+      package_(std::make_shared<IncomingPackage>(root, product)),
+      limit_(product.file_size > 0 ? product.file_size : kMaxPackageBytes)
+{
+    reply->setReadBufferSize(kReadBufferBytes);
+    connect(reply, &QNetworkReply::readyRead, this, &PackageBody::onReadyRead);
+    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
+    connect(reply, &QNetworkReply::finished, this, &PackageBody::onFinished);
+    // Queued: the manager that takes its replies with it may itself be in the middle of its destructor.
+    connect(reply, &QObject::destroyed, this, &PackageBody::onReplyLost, Qt::QueuedConnection);
+}
+
+PackageBody::~PackageBody()
+{
+    abandon();
+}
+
+void PackageBody::abandon()
+{
+    isOver_ = true;
+    dropReply(reply_);
+    reply_ = nullptr;
+    if (package_)
+        workers_.release(std::exchange(package_, nullptr));
+}
+
+void PackageBody::store(QObject *receiver, FileWorkers::Answer answer)
+{
+    auto task = [package = std::exchange(package_, nullptr)] { return package->store(); };
+    workers_.run(receiver, std::move(task), std::move(answer));
+}
+
+void PackageBody::onReadyRead()
+{
+    Q_EMIT arriving();
+    if (!reply_)
+        return;
+    if (httpStatus(*reply_) == kHttpOk)
+        takeNextPiece();
+    else if (!std::exchange(isReasonLimited_, true))
+        limitBody(reply_, kMaxReasonBytes);
+}
+
+void PackageBody::onFinished()
+{
+    isFinished_ = true;
+    ending_.status = httpStatus(*reply_);
+    ending_.hasError = reply_->error() != QNetworkReply::NoError;
+    if (ending_.status != kHttpOk)
+        ending_.reason = readServiceReply(*reply_).object;
+    else if (!ending_.hasError)
+        rest_ = reply_->readAll();
+    reply_->disconnect(this);
+    reply_ = nullptr;
+    takeNextPiece();
+}
+
+void PackageBody::onReplyLost()
+{
+    if (isFinished_)
+        return;
+    isFinished_ = true;
+    ending_.hasError = true;
+    takeNextPiece();
+}
+
+void PackageBody::takeNextPiece()
+{
+    if (isPieceOnItsWay_ || isOver_)
+        return;
+    const QByteArray piece = reply_ ? reply_->read(kPieceBytes) : std::exchange(rest_, {});
+    if (!piece.isEmpty())
+        handToWorkers(piece);
+    else if (isFinished_)
+        end();
+}
+
+void PackageBody::handToWorkers(const QByteArray &piece)
+{
+    ending_.status = kHttpOk;
+    ending_.size += piece.size();
+    ending_.isTooLong = ending_.size > limit_;
+    if (ending_.isTooLong) {
+        end();
+        return;
+    }
+    isPieceOnItsWay_ = true;
+    auto append = [package = package_, piece] {
+        package->append(piece);
+        return ProductFileResult();
+    };
+    auto next = [this](const ProductFileResult &result) {
+        isPieceOnItsWay_ = false;
+        ending_.hasError = ending_.hasError || !result.isOk();
+        takeNextPiece();
+    };
+    workers_.run(this, append, next, FileWorkers::Urgency::KeepsTransferGoing);
+}
+
+void PackageBody::end()
+{
+    isOver_ = true;
+    dropReply(reply_);
+    reply_ = nullptr;
+    Q_EMIT ended(ending_);
+}
+
+} // namespace quillmar

@@ -1,0 +1,114 @@
+#include "packages/path_safety.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+#endif
+
+namespace quillmar
+{
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr qsizetype kMaxPathUnits = 1024;
+
+/// `\z` instead of `$`, which would let a line break at the end pass.
+bool matchesKeyPattern(const QString &key)
+{
+    static const QRegularExpression pattern(u"^[A-Za-z0-9][A-Za-z0-9._-]{0,127}\\z"_s);
+    return pattern.match(key).hasMatch();
+}
+
+bool isDeviceName(QStringView name)
+{
+    static const QRegularExpression pattern(u"^(CON|PRN|AUX|NUL|COM[0-9]|LPT[0-9])(?:\\.|\\z)"_s,
+                                            QRegularExpression::CaseInsensitiveOption);
+    return pattern.matchView(name).hasMatch();
+}
+
+bool isRefusedCharacter(QChar c)
+{
+    return c < u' ' || QStringView(u":<>\"|?*").contains(c);
+}
+
+bool isSafeSegment(QStringView segment)
+{
+    if (segment.isEmpty() || segment == "."_L1 || segment == ".."_L1)
+        return false;
+    if (segment.endsWith(u'.') || segment.endsWith(u' ') || isDeviceName(segment))
+        return false;
+    return std::ranges::none_of(segment, isRefusedCharacter);
+}
+
+#ifdef Q_OS_WIN
+/// The long-path form, without which the query fails beyond 260 characters and a junction there would go unseen.
+QString extendedLengthPath(const QString &path)
+{
+    const QString native = QDir::toNativeSeparators(path);
+    return native.startsWith("\\\\"_L1) ? QString(u"\\\\?\\UNC"_s + native.sliced(1))
+                                        : QString(u"\\\\?\\"_s + native);
+}
+
+bool isReparsePoint(const QString &path)
+{
+    const std::wstring native = extendedLengthPath(path).toStdWString();
+    const DWORD attributes = GetFileAttributesW(native.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+#else
+bool isReparsePoint(const QString &)
+{
+    return false;
+}
+#endif
+
+/// The walk does not stop at the package root: a root inside a linked folder is refused altogether.
+bool isFreeOfLinks(QString path)
+{
+    for (;;) {
+        const QFileInfo info(path);
+        if (info.isSymLink() || isReparsePoint(path))
+            return false;
+        const QString parent = info.absolutePath();
+        if (parent.isEmpty() || parent == path)
+            return true;
+        path = parent;
+    }
+}
+
+} // namespace
+
+bool isSafeProductKey(const QString &key)
+{
+    return matchesKeyPattern(key) && !key.contains(".."_L1) && !key.endsWith(u'.') && !isDeviceName(key);
+}
+
+QString safeRelativePath(const QString &path)
+{
+    QString clean = path;
+    clean.replace(u'\\', u'/');
+    if (clean.endsWith(u'/'))
+        clean.chop(1);
+    if (clean.isEmpty() || clean.startsWith(u'/') || clean.size() > kMaxPathUnits)
+        return {};
+    const QList<QStringView> segments = QStringView(clean).split(u'/', Qt::KeepEmptyParts);
+    return std::ranges::all_of(segments, isSafeSegment) ? clean : QString();
+}
+
+bool isInsideRoot(const QString &root, const QString &candidate)
+{
+    const QString path = QDir::cleanPath(QFileInfo(candidate).absoluteFilePath());
+    if (path.isEmpty() || (path != root && !path.startsWith(root + u'/', Qt::CaseInsensitive)))
+        return false;
+    return isFreeOfLinks(path);
+}
+
+} // namespace quillmar

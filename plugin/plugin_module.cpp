@@ -1,0 +1,166 @@
+#include "plugin/plugin_module.h"
+
+#include "catalogue/product_list.h"
+#include "obs/obs_handles.h"
+#include "packages/product_downloads.h"
+#include "plugin/locale_table.h"
+#include "plugin/plugin_log.h"
+#include "service/account.h"
+#include "ui/dock_panel.h"
+#include "ui/language_preference.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QNetworkAccessManager>
+#include <QSslSocket>
+
+namespace quillmar
+{
+
+namespace
+{
+
+constexpr char DockId[] = "quillmar-dock";
+constexpr char DockTitle[] = "Quillmar";
+
+void writeLog(LogLevel level, const QString &line)
+{
+    pluginLog(level, "%s", line.toUtf8().constData());
+}
+
+} // namespace
+
+PluginModule::PluginModule(obs_module_t *handle, LocaleTable &locale)
+    : handle_(handle), locale_(locale), log_(writeLog),
+      localisation_([this](const char *key, const char **text) { return locale_.find(key, text); },
+                    [this](const QString &language) { locale_.load(handle_, language.toUtf8().constData()); })
+{
+}
+
+PluginModule::~PluginModule()
+{
+    // Without an application there is nothing left that a widget could be taken from.
+    if (!isDockAdded_ && QCoreApplication::instance() != nullptr) {
+        delete downloads_;
+        delete panel_;
+    }
+}
+
+bool PluginModule::load()
+{
+    pluginLog(LogLevel::Info, "plugin loaded successfully (version %s)", QUILLMAR_VERSION);
+    settingsPath_ = ObsString(obs_module_get_config_path(handle_, "settings.ini")).text();
+    applySavedLanguage();
+    buildPanel();
+    buildDownloads();
+    buildCatalogue();
+    connectPanel();
+    if (!registerDock()) {
+        return false;
+    }
+    restoreSession();
+    return true;
+}
+
+void PluginModule::unload()
+{
+    delete downloads_;
+    // At a normal exit OBS has destroyed the panel already, and with it the dock.
+    if (panel_) {
+        obs_frontend_remove_dock(DockId);
+    }
+    session_.clear();
+    pluginLog(LogLevel::Info, "plugin unloaded");
+}
+
+void PluginModule::applySavedLanguage()
+{
+    localisation_.setLanguage(loadLanguage(settingsPath_));
+}
+
+/// Plug-ins of Qt that OBS does not ship lie beside the module.
+void PluginModule::addLibraryPath() const
+{
+    const char *binary = obs_get_module_binary_path(handle_);
+    if (binary == nullptr) {
+        return;
+    }
+    const QString folder = QFileInfo(QString::fromUtf8(binary)).absolutePath();
+    QCoreApplication::addLibraryPath(folder);
+    pluginLog(LogLevel::Info, "Qt plugin path added: %s", folder.toUtf8().constData());
+}
+
+void PluginModule::buildPanel()
+{
+    panel_ = new DockPanel(localisation_);
+    addLibraryPath();
+    if (!QSslSocket::supportsSsl()) {
+        pluginLog(LogLevel::Warning, "Qt has no TLS back-end here: the service cannot be reached");
+    }
+    network_ = new QNetworkAccessManager(panel_);
+    account_ = new Account(session_, store_, *panel_, network_, log_, panel_);
+}
+
+void PluginModule::buildDownloads()
+{
+    downloads_ = new ProductDownloads(network_, QString());
+    downloads_->setCallbacks({
+        .token = [this] { return session_.token(); },
+        .generation = [this] { return session_.generation(); },
+        .sessionExpired =
+            [this] {
+                if (account_) {
+                    account_->expireSession();
+                }
+            },
+        .quotaChanged =
+            [this] {
+                if (panel_) {
+                    panel_->refreshQuota();
+                }
+            },
+    });
+}
+
+void PluginModule::buildCatalogue()
+{
+    const auto quotaChanged = [panel = panel_] {
+        if (panel) {
+            panel->refreshQuota();
+        }
+    };
+    panel_->setProductList(new ProductList(CatalogueServices{localisation_, downloads_}, quotaChanged));
+}
+
+void PluginModule::connectPanel()
+{
+    panel_->enableLanguageSwitch(settingsPath_, log_);
+    panel_->retranslate();
+    QObject::connect(panel_, &DockPanel::signInRequested, account_, &Account::signIn);
+    QObject::connect(panel_, &DockPanel::signOutRequested, account_, &Account::signOut);
+    QObject::connect(panel_, &DockPanel::retryRequested, account_, &Account::retryRestore);
+    QObject::connect(panel_, &DockPanel::refreshRequested, account_, &Account::refreshProducts);
+}
+
+bool PluginModule::registerDock()
+{
+    isDockAdded_ = obs_frontend_add_dock_by_id(DockId, DockTitle, panel_.data());
+    if (!isDockAdded_) {
+        pluginLog(LogLevel::Error, "Failed to add Quillmar dock");
+        return false;
+    }
+    pluginLog(LogLevel::Info, "Quillmar dock added successfully");
+    return true;
+}
+
+void PluginModule::restoreSession()
+{
+    const QString token = store_.load();
+    if (token.isEmpty()) {
+        return;
+    }
+    panel_->setSignInEnabled(false);
+    account_->requestProducts(token, true);
+}
+
+} // namespace quillmar

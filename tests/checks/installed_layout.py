@@ -1,0 +1,40 @@
+#!/usr/bin/env python3
+"""Installing lays the module out where OBS looks for it, for one user and for the whole system.
+
+    installed_layout.py BUILD-FOLDER DEFAULT-LAYOUT SYSTEM-LIBRARY-FOLDER
+"""
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+from sources import report
+
+NAME = "quillmar-obs-plugin"
+LOCALES = ("en-US.ini", "fa-IR.ini")
+
+
+def expected(layout, library_folder):
+    if layout == "user":
+        return {f"{NAME}/bin/64bit/{NAME}.so", *(f"{NAME}/data/locale/{locale}" for locale in LOCALES)}
+    data = f"share/obs/obs-plugins/{NAME}/locale"
+    return {f"{library_folder}/obs-plugins/{NAME}.so", *(f"{data}/{locale}" for locale in LOCALES)}
+
+
+def installed(build, options):
+    with tempfile.TemporaryDirectory() as prefix:
+        subprocess.run(["cmake", "--install", build, "--prefix", prefix, *options], check=True, stdout=subprocess.DEVNULL)
+        return {path.relative_to(prefix).as_posix() for path in Path(prefix).rglob("*") if path.is_file()}
+
+
+def main():
+    build, default, library_folder = sys.argv[1:]
+    problems = []
+    for layout, options in (("user", ["--component", "user"]), ("system", ["--component", "system"]), (default, [])):
+        wanted, found = expected(layout, library_folder), installed(build, options)
+        problems += [f"{layout}: {path} is missing" for path in sorted(wanted - found)]
+        problems += [f"{layout}: {path} does not belong there" for path in sorted(found - wanted)]
+    report(problems)
+
+
+main()

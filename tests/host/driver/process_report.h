@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QJsonValue>
+
+namespace quillmar::test
+{
+
+/// Number of the OBS process.
+QJsonValue reportProcessId();
+
+/// {"VmRSS", "VmHWM", "RssAnon", "RssFile", "VmSize"} in KiB, as the kernel counts them.
+QJsonObject reportMemory();
+
+/// Starts a new peak ("VmHWM"); false where the kernel refuses.
+QJsonValue resetPeakMemory();
+
+} // namespace quillmar::test

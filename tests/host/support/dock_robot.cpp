@@ -1,0 +1,156 @@
+#include "tests/host/support/dock_robot.h"
+
+#include "tests/host/support/waiting.h"
+
+namespace quillmar::test
+{
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr int WheelStepsAtOnce = 1;
+
+bool isUsable(const Widget &widget)
+{
+    return widget.visible && widget.enabled;
+}
+
+// Steps of the wheel that bring the middle of the widget into the viewport; 0 when it is there.
+int stepsToView(const Widget &widget)
+{
+    if (widget.viewport.isNull())
+        return 0;
+    if (widget.rect.height() <= widget.viewport.height()) {
+        if (widget.rect.bottom() > widget.viewport.bottom())
+            return WheelStepsAtOnce;
+        return widget.rect.top() < widget.viewport.top() ? -WheelStepsAtOnce : 0;
+    }
+    if (widget.rect.top() > widget.viewport.top() + widget.viewport.height() / 3)
+        return WheelStepsAtOnce;
+    return widget.rect.bottom() < widget.viewport.center().y() ? -WheelStepsAtOnce : 0;
+}
+
+} // namespace
+
+bool DockRobot::showDock(int width)
+{
+    driver_.ask(u"maximise"_s);
+    const QJsonObject place{{u"id"_s, u"quillmar-dock"_s}, {u"width"_s, width}};
+    if (!driver_.ask(u"show-dock"_s, place).toBool())
+        return fail(u"there is no dock of the module"_s);
+    return waitFor([](const WidgetTree &tree) { return !tree.isEmpty() && tree.all().first().visible; },
+                   u"the dock on the screen"_s);
+}
+
+WidgetTree DockRobot::tree() const
+{
+    return WidgetTree(driver_.ask(u"widgets"_s, {{u"of"_s, u"dock"_s}}).toArray());
+}
+
+bool DockRobot::click(const Choice &choice, const QString &what)
+{
+    const std::optional<QPoint> point = reach(choice, what);
+    return point && hand_.click(*point);
+}
+
+bool DockRobot::clickBoth(const Choice &first, const Choice &second, const QString &what)
+{
+    if (!reach(first, what))
+        return false;
+    const std::optional<QPoint> secondPoint = reach(second, what);
+    const std::optional<QPoint> firstPoint = reach(first, what);
+    if (!firstPoint || !secondPoint || reach(second, what) != secondPoint)
+        return fail(what + u": both do not fit on the screen at once"_s);
+    return hand_.clickBoth(*firstPoint, *secondPoint);
+}
+
+bool DockRobot::scrollTo(const Choice &choice, const QString &what)
+{
+    QRect last;
+    const auto inView = [&] {
+        const WidgetTree now = tree();
+        const Widget *widget = choice(now);
+        if (!widget || !widget->visible)
+            return false;
+        const int steps = stepsToView(*widget);
+        if (steps != 0)
+            hand_.wheel(widget->viewport.center(), steps);
+        const bool settled = steps == 0 && widget->rect == last;
+        last = widget->rect;
+        return settled;
+    };
+    return waitUntil(inView) || fail(u"cannot be brought into view: "_s + what);
+}
+
+std::optional<QPoint> DockRobot::reach(const Choice &choice, const QString &what)
+{
+    if (!waitFor([&](const WidgetTree &now) { return locate(now, choice) != nullptr; }, what) ||
+        !scrollTo(choice, what))
+        return std::nullopt;
+    const WidgetTree now = tree();
+    const Widget *widget = locate(now, choice);
+    if (!widget || widget->seen.isEmpty()) {
+        fail(u"is covered or gone: "_s + what);
+        return std::nullopt;
+    }
+    return widget->seen.center();
+}
+
+bool DockRobot::waitFor(const std::function<bool(const WidgetTree &)> &condition, const QString &what)
+{
+    return waitUntil([&] { return condition(tree()); }) || fail(u"never seen: "_s + what);
+}
+
+bool DockRobot::choose(const Choice &combo, const QString &text)
+{
+    const auto chosen = [&] {
+        const WidgetTree now = tree();
+        const Widget *box = combo(now);
+        return box && box->text == text;
+    };
+    const auto clickRow = [&] {
+        if (chosen())
+            return true;
+        const WidgetTree popup(driver_.ask(u"widgets"_s, {{u"of"_s, u"popup"_s}}).toArray());
+        for (const Widget &view : popup.all()) {
+            for (const Widget::Row &row : view.rows) {
+                if (row.text == text)
+                    hand_.click(row.rect.center());
+            }
+        }
+        return false;
+    };
+    return click(combo, u"the list with "_s + text) && (waitUntil(clickRow) || fail(u"cannot choose "_s + text));
+}
+
+bool DockRobot::fill(const Choice &field, const QString &text, const QString &what)
+{
+    const auto filled = [&](const WidgetTree &now) {
+        const Widget *edit = field(now);
+        return edit && edit->text == text;
+    };
+    const auto focused = [&](const WidgetTree &now) {
+        const Widget *edit = field(now);
+        return edit && edit->focus;
+    };
+    if (!click(field, what) || !waitFor(focused, what + u" with the keyboard focus"_s))
+        return false;
+    return hand_.press(u"ctrl+a"_s) && hand_.press(u"Delete"_s) && (text.isEmpty() || hand_.type(text)) &&
+           waitFor(filled, what + u" with the typed text"_s);
+}
+
+const Widget *DockRobot::locate(const WidgetTree &tree, const Choice &choice) const
+{
+    const Widget *widget = choice(tree);
+    return widget && isUsable(*widget) ? widget : nullptr;
+}
+
+bool DockRobot::fail(const QString &problem)
+{
+    problem_ = problem;
+    return false;
+}
+
+} // namespace quillmar::test

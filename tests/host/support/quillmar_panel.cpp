@@ -1,0 +1,260 @@
+#include "tests/host/support/quillmar_panel.h"
+
+#include "tests/host/support/waiting.h"
+
+namespace quillmar::test
+{
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+bool isPushButton(const Widget &widget)
+{
+    return widget.kind().endsWith("PushButton"_L1);
+}
+
+bool isLabel(const Widget &widget)
+{
+    return widget.kind() == "QLabel"_L1;
+}
+
+const Widget *productCard(const WidgetTree &tree, const QString &product)
+{
+    for (const Widget &card : tree.all()) {
+        const auto isName = [&product](const Widget &widget) { return isLabel(widget) && widget.text == product; };
+        if (card.name == "quillmarProductCard"_L1 && tree.findBelow(card, isName))
+            return &card;
+    }
+    return nullptr;
+}
+
+const Widget *componentCard(const WidgetTree &tree, const QString &product, const QString &component)
+{
+    const Widget *owner = productCard(tree, product);
+    if (!owner)
+        return nullptr;
+    const auto isCard = [](const Widget &widget) { return widget.name == "quillmarComponentCard"_L1; };
+    const auto isTitle = [&component](const Widget &widget) { return isLabel(widget) && widget.text == component; };
+    const QList<const Widget *> cards = tree.allBelow(*owner, isCard);
+    for (const Widget *card : cards) {
+        if (tree.findBelow(*card, isTitle))
+            return card;
+    }
+    return nullptr;
+}
+
+const Widget *foldButton(const WidgetTree &tree, const QString &product)
+{
+    const Widget *card = productCard(tree, product);
+    return card ? tree.findBelow(*card, [](const Widget &w) { return w.checkable && isPushButton(w); }) : nullptr;
+}
+
+} // namespace
+
+const Widget *languageSelector(const WidgetTree &tree)
+{
+    return tree.find([](const Widget &widget) { return widget.items.contains(u"English"_s); });
+}
+
+const Widget *userNameField(const WidgetTree &tree)
+{
+    return tree.find(
+        [](const Widget &w) { return w.parent == 0 && w.kind().endsWith("LineEdit"_L1) && !w.secret; });
+}
+
+const Widget *passwordField(const WidgetTree &tree)
+{
+    return tree.find([](const Widget &w) { return w.parent == 0 && w.kind().endsWith("LineEdit"_L1) && w.secret; });
+}
+
+const Widget *searchField(const WidgetTree &tree)
+{
+    return tree.find([](const Widget &w) { return w.parent > 0 && w.kind() == "QLineEdit"_L1; });
+}
+
+const Widget *categoryBox(const WidgetTree &tree)
+{
+    return tree.find([](const Widget &w) { return w.kind() == "CategoryComboBox"_L1; });
+}
+
+const Widget *statusLabel(const WidgetTree &tree)
+{
+    return tree.find([](const Widget &widget) {
+        const QString key = widget.properties["quillmarTextKey"_L1].toString();
+        return widget.parent == 0 && isLabel(widget) &&
+               (key.startsWith("Status."_L1) || key.startsWith("Session."_L1) || key.startsWith("Logout."_L1));
+    });
+}
+
+DockRobot::Choice buttonWithText(const QString &text)
+{
+    return [text](const WidgetTree &tree) {
+        return tree.find([&text](const Widget &widget) {
+            return widget.visible && isPushButton(widget) && withoutIsolates(widget.text) == text;
+        });
+    };
+}
+
+void QuillmarPanel::assumeLanguage(const QString &code)
+{
+    language_ = code;
+    texts_ = ModuleTexts(code);
+}
+
+bool QuillmarPanel::setLanguage(const QString &code)
+{
+    assumeLanguage(code);
+    return robot_.choose(languageSelector, code == "en-US"_L1 ? u"English"_s : u"فارسی"_s);
+}
+
+bool QuillmarPanel::typeAccount(const QString &name, const QString &password)
+{
+    return robot_.fill(userNameField, name, u"the user name field"_s) &&
+           robot_.fill(passwordField, password, u"the password field"_s);
+}
+
+bool QuillmarPanel::clickButton(const QString &key)
+{
+    return robot_.click(buttonWithText(text(key)), u"the button "_s + key);
+}
+
+bool QuillmarPanel::signIn(const QString &name, const QString &password)
+{
+    return typeAccount(name, password) && clickButton(u"Login.Button"_s);
+}
+
+bool QuillmarPanel::enter(const QString &name, const QString &password)
+{
+    return signIn(name, password) && waitForStatus(u"Status.LoginSuccess"_s) &&
+           robot_.waitFor([](const WidgetTree &tree) {
+               return tree.find([](const Widget &w) { return w.name == "quillmarProductCard"_L1 && w.visible; });
+           }, u"the list of products"_s);
+}
+
+bool QuillmarPanel::waitForStatus(const QString &key)
+{
+    const auto shown = [&key](const WidgetTree &tree) {
+        const Widget *label = statusLabel(tree);
+        return label && label->properties["quillmarTextKey"_L1].toString() == key;
+    };
+    return robot_.waitFor(shown, u"the status "_s + key + u", but "_s + statusKey());
+}
+
+QString QuillmarPanel::statusKey() const
+{
+    const WidgetTree tree = robot_.tree();
+    const Widget *label = statusLabel(tree);
+    return label ? label->properties["quillmarTextKey"_L1].toString() : QString();
+}
+
+bool QuillmarPanel::search(const QString &words)
+{
+    return robot_.fill(searchField, words, u"the search field"_s);
+}
+
+bool QuillmarPanel::chooseCategory(const QString &category)
+{
+    return robot_.choose(categoryBox, category);
+}
+
+QStringList QuillmarPanel::visibleProducts() const
+{
+    QStringList names;
+    const WidgetTree tree = robot_.tree();
+    for (const Widget &card : tree.all()) {
+        if (card.name != "quillmarProductCard"_L1 || !card.visible)
+            continue;
+        const auto isName = [](const Widget &w) { return isLabel(w) && w.styleSheet.contains("font-weight: 700"_L1); };
+        if (const Widget *name = tree.findBelow(card, isName))
+            names.append(name->text);
+    }
+    return names;
+}
+
+QStringList QuillmarPanel::categories() const
+{
+    const WidgetTree tree = robot_.tree();
+    const Widget *box = categoryBox(tree);
+    return box ? box->items : QStringList();
+}
+
+bool QuillmarPanel::openComponents(const QString &product)
+{
+    const auto fold = [&product](const WidgetTree &tree) { return foldButton(tree, product); };
+    const auto isOpen = [&fold](const WidgetTree &tree) {
+        const Widget *button = fold(tree);
+        return button && button->checked;
+    };
+    const QString what = u"the contents of "_s + product;
+    if (!robot_.waitFor([&fold](const WidgetTree &tree) { return fold(tree); }, what))
+        return false;
+    return isOpen(robot_.tree()) || (robot_.click(fold, what) && robot_.waitFor(isOpen, what));
+}
+
+bool QuillmarPanel::press(const ComponentButton &button)
+{
+    return openComponents(button.product) &&
+           robot_.click(buttonChoice(button), button.key + u" of "_s + button.component);
+}
+
+bool QuillmarPanel::pressBoth(const ComponentButton &first, const ComponentButton &second)
+{
+    return openComponents(first.product) && openComponents(second.product) &&
+           robot_.clickBoth(buttonChoice(first), buttonChoice(second), u"two buttons"_s);
+}
+
+bool QuillmarPanel::waitForOutcome(const ComponentButton &button, const QString &key)
+{
+    const auto shown = [&](const WidgetTree &tree) {
+        const Widget *label = outcomeLabel(tree, button);
+        return label && label->visible && label->properties["textKey"_L1].toString() == key;
+    };
+    return robot_.waitFor(shown, key + u" under "_s + button.component + u", but "_s + outcome(button));
+}
+
+QString QuillmarPanel::outcome(const ComponentButton &button) const
+{
+    const WidgetTree tree = robot_.tree();
+    const Widget *label = outcomeLabel(tree, button);
+    return label && label->visible ? label->properties["textKey"_L1].toString() : QString();
+}
+
+QString QuillmarPanel::outcomePath(const ComponentButton &button) const
+{
+    const WidgetTree tree = robot_.tree();
+    const Widget *label = outcomeLabel(tree, button);
+    return label ? label->properties["path"_L1].toString() : QString();
+}
+
+bool QuillmarPanel::run(const ComponentButton &button, const QString &key)
+{
+    return press(button) && waitForOutcome(button, key);
+}
+
+DockRobot::Choice QuillmarPanel::buttonChoice(const ComponentButton &button) const
+{
+    return [button, caption = text(button.key)](const WidgetTree &tree) -> const Widget * {
+        const Widget *card = componentCard(tree, button.product, button.component);
+        if (!card)
+            return nullptr;
+        return tree.findBelow(*card, [&caption](const Widget &widget) {
+            return isPushButton(widget) && withoutIsolates(widget.text) == caption;
+        });
+    };
+}
+
+// The labels of a card are its title, then one status per button in the order of the buttons.
+const Widget *QuillmarPanel::outcomeLabel(const WidgetTree &tree, const ComponentButton &button) const
+{
+    const Widget *card = componentCard(tree, button.product, button.component);
+    if (!card)
+        return nullptr;
+    const QList<const Widget *> labels = tree.allBelow(*card, isLabel);
+    if (labels.size() < 2)
+        return nullptr;
+    return button.key == "Component.Add"_L1 ? labels[1] : labels.last();
+}
+
+} // namespace quillmar::test

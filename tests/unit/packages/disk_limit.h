@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QtTypes>
+
+namespace quillmar::test
+{
+
+/// While an instance lives, no file of this process can grow beyond `bytes`: a disk that fills up in the middle of a
+/// file, for root and for ordinary users alike.
+class DiskLimit
+{
+public:
+    explicit DiskLimit(qint64 bytes);
+    ~DiskLimit();
+    Q_DISABLE_COPY_MOVE(DiskLimit)
+};
+
+} // namespace quillmar::test

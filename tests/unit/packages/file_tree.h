@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+
+namespace quillmar::test
+{
+
+/// Everything below `top`, by relative path: files with content, folders, links with their target, special files.
+QMap<QString, QByteArray> treeBelow(const QString &top);
+
+/// Content of a file; null when it cannot be opened.
+QByteArray fileContent(const QString &path);
+
+/// Writes a file, with its folders, without the code under test.
+void putFile(const QString &path, const QByteArray &bytes);
+
+/// Inode and time of the last change: another value after a file was written again.
+QByteArray fileStamp(const QString &path);
+
+} // namespace quillmar::test
