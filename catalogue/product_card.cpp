@@ -37,7 +37,7 @@ QString shortened(const QString &description)
 /// A label that shows `content` as it is and takes the width that the card has.
 QLabel *newTextLabel(const QString &content, QWidget *parent)
 {
-    auto *label = new QLabel(parent);
+    auto *label = new LongToolTipLabel(parent);
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);

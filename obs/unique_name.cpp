@@ -13,8 +13,9 @@ namespace
 
 constexpr qsizetype MaximumBase = 120;
 
-/// What OBS would keep of `text`: it ends at the first NUL, and half a surrogate pair does not pass through UTF-8.
-/// Without this, two names could differ here and be the same there, and the search below would never end.
+/// What OBS would keep of `text`: it ends at the first NUL, and half a surrogate pair does not pass through
+/// UTF-8. Without this, two names could differ here and be the same there, and the search below would never
+/// end.
 QString asKeptByObs(const QString &text)
 {
     return QString::fromUtf8(text.toUtf8().constData());

@@ -3,13 +3,15 @@
 #include "packages/atomic_file.h"
 #include "packages/path_safety.h"
 #include "packages/product_identity.h"
-#include "packages/zip_entry_data.h"
+#include "packages/zip_entry_reader.h"
 #include "packages/zip_index.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
+
+#include <algorithm>
 
 namespace quillmar
 {
@@ -91,7 +93,7 @@ private:
         return isAssetItself || entry.path.startsWith(asset_ + u'/');
     }
 
-    ProductFileResult writeSelected(QFile &package, const QList<ZipEntry> &entries) const
+    ProductFileResult writeSelected(QFile &package, const QList<ZipEntry> &entries)
     {
         bool anySelected = false;
         for (const ZipEntry &entry : entries) {
@@ -105,44 +107,49 @@ private:
         return anySelected ? ProductFileResult::success(destination(asset_)) : missing();
     }
 
-    ProductFileResult writeEntry(QFile &package, const ZipEntry &entry) const
+    ProductFileResult writeEntry(QFile &package, const ZipEntry &entry)
     {
         const QString target = destination(entry.path);
         if (entry.kind == ZipEntry::Kind::Directory)
             return isInsideRoot(root_, target) && QDir().mkpath(target) ? ProductFileResult::success(target)
                                                                         : unsaved();
-        return entry.method == ZipEntry::Method::Stored ? copyStored(package, entry, target)
-                                                        : writeInflated(package, entry, target);
+        return isHeld(package, entry, target) ? ProductFileResult::success(target)
+                                              : writeFile(package, entry, target);
     }
 
-    ProductFileResult copyStored(QFile &package, const ZipEntry &entry, const QString &target) const
+    /// The target is a file of the very bytes of `entry`. Files of another size are not even opened.
+    bool isHeld(QFile &package, const ZipEntry &entry, const QString &target)
     {
-        if (checkStoredEntry(package, entry) != ZipDataVerdict::Sound)
-            return invalid();
-        return copyRangeAtomically(root_, target, package, entry.data_offset, entry.size)
-                   ? ProductFileResult::success(target)
-                   : unsaved();
+        const QFileInfo info(target);
+        QFile held(target);
+        if (!info.isFile() || info.size() != entry.size || !isInsideRoot(root_, target) ||
+            !held.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+            return false;
+        bool same = true;
+        const bool sound = reader_.read(package, entry, [&](QByteArrayView bytes) {
+            same = same && held.read(bytes.size()) == bytes;
+        });
+        return sound && same;
     }
 
-    ProductFileResult writeInflated(QFile &package, const ZipEntry &entry, const QString &target) const
+    /// The bytes flow into a temporary file, which takes the target's place once they have proved right. A failure to
+    /// write does not end the reading: a damaged archive is to be reported as such.
+    ProductFileResult writeFile(QFile &package, const ZipEntry &entry, const QString &target)
     {
-        const InflatedEntry inflated = InflatedEntry::read(package, entry);
-        switch (inflated.verdict()) {
-        case ZipDataVerdict::Damaged:
+        PendingFile file(root_, target);
+        bool written = file.open();
+        const bool sound = reader_.read(
+            package, entry, [&](QByteArrayView bytes) { written = written && file.write(bytes); });
+        if (!sound)
             return invalid();
-        case ZipDataVerdict::OutOfMemory:
-            return unsaved(); // the package is good and must stay
-        case ZipDataVerdict::Sound:
-            break;
-        }
-        return writeFileAtomically(root_, target, inflated.bytes()) ? ProductFileResult::success(target)
-                                                                    : unsaved();
+        return written && file.commit() ? ProductFileResult::success(target) : unsaved();
     }
 
     QString root_;
     QString folder_;
     QString asset_;
     bool assetIsFolder_;
+    ZipEntryReader reader_;
     QHash<QString, bool> exists_; ///< folders that passed the inside-root test, and whether they exist
 };
 

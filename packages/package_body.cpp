@@ -12,8 +12,8 @@ namespace
 {
 
 constexpr qint64 kMiB = 1024 * 1024;
-constexpr qint64 kReadBufferBytes = 4 * kMiB;
-constexpr qint64 kPieceBytes = 4 * kMiB;
+constexpr qint64 kReadBufferBytes = kMiB;
+constexpr qint64 kPieceBytes = kMiB;
 constexpr qint64 kMaxReasonBytes = kMiB;
 constexpr qint64 kMaxPackageBytes = 2048 * kMiB; ///< of a package whose size is unknown
 constexpr int kHttpOk = 200;
@@ -42,8 +42,7 @@ PackageBody::~PackageBody()
 void PackageBody::abandon()
 {
     isOver_ = true;
-    dropReply(reply_);
-    reply_ = nullptr;
+    letGoOfReply();
     if (package_)
         workers_.release(std::exchange(package_, nullptr));
 }
@@ -124,9 +123,16 @@ void PackageBody::handToWorkers(const QByteArray &piece)
 void PackageBody::end()
 {
     isOver_ = true;
+    letGoOfReply();
+    Q_EMIT ended(ending_);
+}
+
+void PackageBody::letGoOfReply()
+{
+    if (reply_)
+        reply_->disconnect(this);
     dropReply(reply_);
     reply_ = nullptr;
-    Q_EMIT ended(ending_);
 }
 
 } // namespace quillmar

@@ -61,6 +61,7 @@ private:
     void takeNextPiece();
     void handToWorkers(const QByteArray &piece);
     void end();
+    void letGoOfReply();
 
     FileWorkers &workers_;
     QPointer<QNetworkReply> reply_;

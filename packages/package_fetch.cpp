@@ -170,6 +170,8 @@ void PackageFetch::end(Ending ending, const ProductFileResult &result)
 
 void PackageFetch::abandon()
 {
+    if (ticketReply_)
+        ticketReply_->disconnect(this);
     dropReply(ticketReply_);
     ticketReply_ = nullptr;
     if (body_)

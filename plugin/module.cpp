@@ -56,7 +56,8 @@ bool obs_module_get_string(const char *key, const char **text)
 
 bool obs_module_load()
 {
-    state().plugin = std::make_unique<quillmar::PluginModule>(state().handle, state().locale);
+    state().plugin = std::make_unique<quillmar::PluginModule>(
+        state().handle, state().locale, std::make_unique<quillmar::VolatileSessionStore>());
     return state().plugin->load();
 }
 

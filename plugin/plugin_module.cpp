@@ -30,10 +30,11 @@ void writeLog(LogLevel level, const QString &line)
 
 } // namespace
 
-PluginModule::PluginModule(obs_module_t *handle, LocaleTable &locale)
+PluginModule::PluginModule(obs_module_t *handle, LocaleTable &locale, std::unique_ptr<SessionStore> store)
     : handle_(handle), locale_(locale), log_(writeLog),
       localisation_([this](const char *key, const char **text) { return locale_.find(key, text); },
-                    [this](const QString &language) { locale_.load(handle_, language.toUtf8().constData()); })
+                    [this](const QString &language) { locale_.load(handle_, language.toUtf8().constData()); }),
+      store_(std::move(store))
 {
 }
 
@@ -98,7 +99,7 @@ void PluginModule::buildPanel()
         pluginLog(LogLevel::Warning, "Qt has no TLS back-end here: the service cannot be reached");
     }
     network_ = new QNetworkAccessManager(panel_);
-    account_ = new Account(session_, store_, *panel_, network_, log_, panel_);
+    account_ = new Account(session_, *store_, *panel_, network_, log_, panel_);
 }
 
 void PluginModule::buildDownloads()
@@ -155,7 +156,7 @@ bool PluginModule::registerDock()
 
 void PluginModule::restoreSession()
 {
-    const QString token = store_.load();
+    const QString token = store_->load();
     if (token.isEmpty()) {
         return;
     }

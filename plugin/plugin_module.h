@@ -9,6 +9,8 @@
 
 #include <QPointer>
 
+#include <memory>
+
 class QNetworkAccessManager;
 
 namespace quillmar
@@ -26,8 +28,8 @@ class ProductDownloads;
 class PluginModule
 {
 public:
-    /// `locale` outlives this object.
-    PluginModule(obs_module_t *handle, LocaleTable &locale);
+    /// `locale` outlives this object; `store` is where the session is kept between runs.
+    PluginModule(obs_module_t *handle, LocaleTable &locale, std::unique_ptr<SessionStore> store);
 
     /// Takes a panel along that OBS never took over.
     ~PluginModule();
@@ -57,7 +59,7 @@ private:
     QString settingsPath_;
     Localisation localisation_;
     Session session_;
-    VolatileSessionStore store_;
+    std::unique_ptr<SessionStore> store_;
     QPointer<DockPanel> panel_;
     QPointer<QNetworkAccessManager> network_;
     QPointer<Account> account_;

@@ -15,7 +15,7 @@ ServiceReply readServiceReply(QNetworkReply &reply)
     ServiceReply read;
     read.status = httpStatus(reply);
     read.error = reply.error();
-    read.body = reply.readAll();
+    read.body = reply.isOpen() ? reply.readAll() : QByteArray();
     const QJsonDocument document = QJsonDocument::fromJson(read.body);
     read.isObject = document.isObject();
     read.object = document.object();
@@ -36,7 +36,13 @@ void dropReply(QNetworkReply *reply)
     if (!reply) {
         return;
     }
-    reply->disconnect();
+    // Signal by signal: the reply tells its own network thread of the abort by a signal too, and a wildcard
+    // would leave the transfer running to its end.
+    QObject::disconnect(reply, &QNetworkReply::finished, nullptr, nullptr);
+    QObject::disconnect(reply, &QNetworkReply::errorOccurred, nullptr, nullptr);
+    QObject::disconnect(reply, &QNetworkReply::readyRead, nullptr, nullptr);
+    QObject::disconnect(reply, &QNetworkReply::metaDataChanged, nullptr, nullptr);
+    QObject::disconnect(reply, &QNetworkReply::downloadProgress, nullptr, nullptr);
     reply->abort();
     reply->deleteLater();
 }

@@ -27,7 +27,7 @@ constexpr qsizetype CutNotes = 157;
 /// A line of the banner. Its width follows the banner's, so that one long word cannot widen the dock.
 QLabel *addLine(QVBoxLayout *layout)
 {
-    auto *line = new QLabel;
+    auto *line = new LongToolTipLabel;
     line->setTextFormat(Qt::PlainText);
     line->setWordWrap(true);
     line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);

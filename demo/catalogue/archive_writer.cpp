@@ -15,7 +15,7 @@ namespace
 {
 
 constexpr auto kTime = "2026-01-02 12:00:00 UTC"_L1;
-constexpr auto kUnixTime = "1767355200"_L1;
+constexpr QByteArrayView kUnixTime = "1767355200";
 
 constexpr auto kPythonScript = R"(
 import sys, zipfile
@@ -67,17 +67,12 @@ QString fixAttributes(const QString &folder, const QStringList &names)
 }
 
 /// Access and change times would go into the archive; a list of files keeps them out.
-QString packWithBsdTar(const QString &folder, const QString &archive, const QStringList &names)
+QString packWithBsdTar(const QString &folder, const QString &archive, const QStringList &files)
 {
     QByteArray list = "#mtree\n";
-    for (const QString &name : names) {
-        const bool isFolder = QFileInfo(folder + u'/' + name).isDir();
-        list += "./" + name.toUtf8();
-        if (isFolder)
-            list += " type=dir mode=0755";
-        else
-            list += " type=file mode=0644 contents=" + name.toUtf8();
-        list += " uid=0 gid=0 time=" + QByteArray(kUnixTime.data(), kUnixTime.size()) + ".0\n";
+    for (const QString &name : files) {
+        const QByteArray bytes = name.toUtf8();
+        list += bytes + " type=file mode=0644 uid=0 gid=0 time=" + kUnixTime + ".0 contents=" + bytes + '\n';
     }
     const QString listPath = folder + u".mtree"_s;
     QFile file(listPath);
@@ -105,7 +100,7 @@ QString writeArchive(Archiver archiver, const QString &folder, const QString &ar
                        QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name),
                    folder);
     case Archiver::BsdTar:
-        return packWithBsdTar(folder, archive, all);
+        return packWithBsdTar(folder, archive, files);
     case Archiver::Python:
         return run(u"python3"_s, QStringList{u"-c"_s, kPythonScript, archive} + files, folder);
     }

@@ -12,7 +12,7 @@ from pathlib import Path
 
 CHECKS = Path(__file__).parent
 CHECKOUT, MODULE = Path(sys.argv[1]), sys.argv[2]
-PARTS = ("service", "packages", "ui", "obs", "catalogue", "plugin", "data", "tests/host", "tests/checks")
+PARTS = ("service", "packages", "ui", "obs", "catalogue", "plugin", "data", "tests/checks")
 
 
 def run(check, argument):

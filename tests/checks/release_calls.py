@@ -13,7 +13,7 @@ HANDLES = "obs/obs_handles.h"
 
 def main():
     problems = []
-    for path, text in files(root_from_arguments(), (*PRODUCT, "tests/host"), {".h", ".cpp"}):
+    for path, text in files(root_from_arguments(), PRODUCT, {".h", ".cpp"}):
         if path.as_posix() == HANDLES:
             continue
         code = code_only(text)

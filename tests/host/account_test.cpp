@@ -129,8 +129,9 @@ void AccountTest::accountWithoutProductsSaysSo()
 {
     QVERIFY2(panel().signIn(u"empty"_s, u"empty"_s), qPrintable(panel().problem()));
     const auto saysSo = [](const WidgetTree &tree) {
-        return tree.find(
-            [](const Widget &w) { return w.visible && w.properties["quillmarTextKey"_L1] == u"Products.Empty"_s; });
+        return tree.find([](const Widget &w) {
+            return w.visible && w.properties["quillmarTextKey"_L1] == u"Products.Empty"_s;
+        });
     };
     QVERIFY2(panel().robot().waitFor(saysSo, u"Products.Empty"_s), qPrintable(panel().problem()));
     QVERIFY2(panel().clickButton(u"Logout.Button"_s), qPrintable(panel().problem()));

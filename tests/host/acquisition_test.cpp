@@ -33,7 +33,8 @@ private:
 void AcquisitionTest::initTestCase()
 {
     QString problem;
-    served_ = ServedSession::start({.frames = {{u"Frame"_s, u"center"_s, 640, 360}}, .account = u"demo"_s}, &problem);
+    served_ = ServedSession::start({.frames = {{u"Frame"_s, u"center"_s, 640, 360}}, .account = u"demo"_s},
+                                   &problem);
     QVERIFY2(served_, qPrintable(problem));
 }
 
@@ -41,7 +42,7 @@ void AcquisitionTest::twoClicksAtOnceCauseOneTicketAndOneFile()
 {
     const ComponentButton first{u"Host pair"_s, u"First"_s};
     const ComponentButton second{u"Host pair"_s, u"Second"_s};
-    QVERIFY2(panel().pressBoth(first, second), qPrintable(panel().problem()));
+    QVERIFY2(panel().pressBoth(second, first), qPrintable(panel().problem()));
     QVERIFY2(panel().waitForOutcome(first, u"Component.Added"_s), qPrintable(panel().problem()));
     QVERIFY2(panel().waitForOutcome(second, u"Component.Added"_s), qPrintable(panel().problem()));
     QCOMPARE(ticketRequests(), 1);
@@ -74,7 +75,8 @@ void AcquisitionTest::packageThatIsNotWhatItSaysIsRefused()
 {
     const QStringList before = served_->session().home().packageFiles();
     const qsizetype sources = served_->state().sources().size();
-    QVERIFY2(panel().run({u"Host wrong digest"_s, u"First"_s}, u"Download.Failed"_s), qPrintable(panel().problem()));
+    QVERIFY2(panel().run({u"Host wrong digest"_s, u"First"_s}, u"Download.Failed"_s),
+             qPrintable(panel().problem()));
     QCOMPARE(served_->session().home().packageFiles(), before);
     QCOMPARE(served_->state().sources().size(), sources);
 }
@@ -86,7 +88,8 @@ void AcquisitionTest::absentServiceIsReportedAndTheNextTryWorks()
     QVERIFY2(panel().run(button, u"Download.Failed"_s), qPrintable(panel().problem()));
     QString problem;
     QVERIFY2(served_->startService(&problem), qPrintable(problem));
-    // The service began anew and knows no session, so the next try asks for the account and the one after it works.
+    // The service began anew and knows no session, so the next try asks for the account and the one after it
+    // works.
     QVERIFY2(panel().press(button), qPrintable(panel().problem()));
     QVERIFY2(panel().waitForStatus(u"Session.Expired"_s), qPrintable(panel().problem()));
     QVERIFY2(panel().enter(u"demo"_s, u"demo"_s), qPrintable(panel().problem()));
@@ -100,7 +103,8 @@ void AcquisitionTest::exhaustedQuotaIsReported()
 {
     const int before = fileRequests();
     QVERIFY2(panel().enter(u"quota"_s, u"quota"_s), qPrintable(panel().problem()));
-    QVERIFY2(panel().run({u"Host webcam"_s, u"Frame"_s}, u"Download.QuotaReached"_s), qPrintable(panel().problem()));
+    QVERIFY2(panel().run({u"Host webcam"_s, u"Frame"_s}, u"Download.QuotaReached"_s),
+             qPrintable(panel().problem()));
     QCOMPARE(fileRequests(), before);
     QVERIFY(!served_->state().source(u"Quillmar - Frame"_s));
     QCOMPARE(served_->session().obs().quit().code, 0);

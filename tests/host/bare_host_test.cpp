@@ -7,7 +7,8 @@ namespace quillmar::test
 
 using namespace Qt::StringLiterals;
 
-/// OBS without the module: what the other tests rely on when they compare, and whether the tools themselves work.
+/// OBS without the module: what the other tests rely on when they compare, and whether the tools themselves
+/// work.
 class BareHostTest : public QObject
 {
     Q_OBJECT

@@ -30,7 +30,8 @@ private:
 
 const QStringList &allProducts()
 {
-    static const QStringList names{u"Host pair"_s, u"Host pictures"_s, u"Host wrong digest"_s, u"Host webcam"_s};
+    static const QStringList names{u"Host pair"_s, u"Host pictures"_s, u"Host wrong digest"_s,
+                                   u"Host webcam"_s};
     return names;
 }
 
@@ -79,7 +80,8 @@ void CatalogueTest::categoryHidesTheOthers()
 {
     QVERIFY2(panel().chooseCategory(u"Frames"_s), qPrintable(panel().problem()));
     QTRY_COMPARE(panel().visibleProducts(), QStringList(u"Host webcam"_s));
-    QVERIFY2(panel().chooseCategory(panel().text(u"Products.AllCategories"_s)), qPrintable(panel().problem()));
+    QVERIFY2(panel().chooseCategory(panel().text(u"Products.AllCategories"_s)),
+             qPrintable(panel().problem()));
     QTRY_COMPARE(panel().visibleProducts(), allProducts());
 }
 

@@ -93,8 +93,11 @@ void InsertionTest::adds_data()
     row("leading blank kept", {u" Leading"_s, u"Quillmar -  Leading"_s, image, {}, {}});
     row("Persian name", {u"قاب فارسی"_s, u"Quillmar - قاب فارسی"_s, image, {}, {}});
     row("media overlay that loops", {u"Clip"_s, u"Quillmar - Clip"_s, media, {}, mediaSettings(true)});
-    row("image in a new scene",
-        {u"Picture scene"_s, u"Quillmar - Picture scene - Asset"_s, image, u"Quillmar - Picture scene"_s, {}});
+    row("image in a new scene", {u"Picture scene"_s,
+                                 u"Quillmar - Picture scene - Asset"_s,
+                                 image,
+                                 u"Quillmar - Picture scene"_s,
+                                 {}});
     row("media in a new scene", {u"Clip scene"_s, u"Quillmar - Clip scene - Asset"_s, media,
                                  u"Quillmar - Clip scene"_s, mediaSettings(false)});
 }

@@ -74,7 +74,8 @@ bool ShutdownTest::beginExtraction(ServedSession &served)
 {
     const ComponentButton button{u"Giant package"_s, u"Giant clip"_s};
     return served.panel().press(button) &&
-           QTest::qWaitFor([&] { return served.panel().outcome(button) == "Component.Extracting"_L1; }, 60000);
+           QTest::qWaitFor([&] { return served.panel().outcome(button) == "Component.Extracting"_L1; },
+                           60000);
 }
 
 void ShutdownTest::checkExit(const ObsExit &exit)

@@ -83,7 +83,8 @@ bool WebcamTest::ensureSession(QSize canvas, QString *problem)
     QList<WebcamFrame> frames;
     for (const Placement &placement : onTheCanvas() + onTheSmallCanvas())
         frames.append(placement.frame);
-    served_ = ServedSession::start({.host = {.canvas = canvas}, .frames = frames, .account = u"demo"_s}, problem);
+    served_ =
+        ServedSession::start({.host = {.canvas = canvas}, .frames = frames, .account = u"demo"_s}, problem);
     return served_ && (served_->state().canvas() == canvas);
 }
 

@@ -62,7 +62,9 @@ void DriverServer::addObsHandlers()
 {
     handlers_[u"sources"_s] = [](const QJsonObject &) { return reportSources(); };
     handlers_[u"scenes"_s] = [](const QJsonObject &) { return reportScenes(); };
-    handlers_[u"items"_s] = [](const QJsonObject &request) { return reportItems(request["scene"_L1].toString()); };
+    handlers_[u"items"_s] = [](const QJsonObject &request) {
+        return reportItems(request["scene"_L1].toString());
+    };
     handlers_[u"transitions"_s] = [](const QJsonObject &) { return reportTransitions(); };
     handlers_[u"current-scene"_s] = [](const QJsonObject &) { return reportCurrentScene(); };
     handlers_[u"video-info"_s] = [](const QJsonObject &) { return reportVideo(); };
@@ -77,10 +79,14 @@ void DriverServer::addObsHandlers()
 
 void DriverServer::addWindowHandlers()
 {
-    handlers_[u"widgets"_s] = [](const QJsonObject &request) { return reportWidgets(request["of"_L1].toString()); };
+    handlers_[u"widgets"_s] = [](const QJsonObject &request) {
+        return reportWidgets(request["of"_L1].toString());
+    };
     handlers_[u"windows"_s] = [](const QJsonObject &) { return reportWindows(); };
     handlers_[u"menus"_s] = [](const QJsonObject &) { return reportMenus(); };
-    handlers_[u"dock-count"_s] = [](const QJsonObject &request) { return countDocks(request["id"_L1].toString()); };
+    handlers_[u"dock-count"_s] = [](const QJsonObject &request) {
+        return countDocks(request["id"_L1].toString());
+    };
     handlers_[u"maximise"_s] = [](const QJsonObject &) { return maximiseMainWindow(); };
     handlers_[u"show-dock"_s] = [](const QJsonObject &request) {
         return showDock(request["id"_L1].toString(), request["width"_L1].toInt());

@@ -18,8 +18,9 @@ namespace quillmar::test
 
 /// Answers questions about the running OBS: one JSON object per line in, one per line out, in order.
 ///
-/// A request is {"do": name, ...arguments}; its answer {"result": value} or {"error": text}. Everything runs on the
-/// user-interface thread, so an answer is a consistent picture of widgets and scenes between two events.
+/// A request is {"do": name, ...arguments}; its answer {"result": value} or {"error": text}. Everything runs
+/// on the user-interface thread, so an answer is a consistent picture of widgets and scenes between two
+/// events.
 class DriverServer : public QObject
 {
     Q_OBJECT

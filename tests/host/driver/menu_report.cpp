@@ -17,18 +17,20 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-template<typename Menu> void appendActions(QJsonArray &list, const Menu &menu, bool open)
+template <typename Menu>
+void appendActions(QJsonArray &list, const Menu &menu, bool open)
 {
     const QList<QAction *> actions = menu.actions();
     for (const QAction *action : actions) {
         const QRect local = menu.actionGeometry(const_cast<QAction *>(action));
         const QRect global(menu.mapToGlobal(local.topLeft()), local.size());
-        list.append(QJsonObject{{u"text"_s, action->text()},
-                                {u"name"_s, action->menu() ? action->menu()->objectName() : action->objectName()},
-                                {u"checked"_s, action->isChecked()},
-                                {u"enabled"_s, action->isEnabled()},
-                                {u"open"_s, open},
-                                {u"rect"_s, rectangle(global)}});
+        list.append(
+            QJsonObject{{u"text"_s, action->text()},
+                        {u"name"_s, action->menu() ? action->menu()->objectName() : action->objectName()},
+                        {u"checked"_s, action->isChecked()},
+                        {u"enabled"_s, action->isEnabled()},
+                        {u"open"_s, open},
+                        {u"rect"_s, rectangle(global)}});
     }
 }
 

@@ -23,7 +23,8 @@ QJsonObject reportMemory()
     for (const QByteArray &line : lines) {
         const QByteArray name = line.left(line.indexOf(':'));
         if (name == "VmRSS" || name == "VmHWM" || name == "RssAnon" || name == "RssFile" || name == "VmSize")
-            report[QString::fromLatin1(name)] = line.mid(name.size() + 1).simplified().split(' ').first().toInt();
+            report[QString::fromLatin1(name)] =
+                line.mid(name.size() + 1).simplified().split(' ').first().toInt();
     }
     return report;
 }

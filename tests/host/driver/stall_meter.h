@@ -7,8 +7,8 @@
 namespace quillmar::test
 {
 
-/// Measures how long the user-interface thread was busy without turning its event loop: a precise timer of 1 ms whose
-/// longest gap between two calls is kept.
+/// Measures how long the user-interface thread was busy without turning its event loop: a precise timer of 1
+/// ms whose longest gap between two calls is kept.
 class StallMeter
 {
 public:

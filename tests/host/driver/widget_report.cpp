@@ -29,7 +29,8 @@ QRect globalRect(const QWidget &widget, const QRect &local)
     return {widget.mapToGlobal(local.topLeft()), local.size()};
 }
 
-// What the widget needs for its text at its present width; larger than the widget itself means that text is cut off.
+// What the widget needs for its text at its present width; larger than the widget itself means that text is
+// cut off.
 QSize neededSize(const QWidget &widget)
 {
     if (widget.hasHeightForWidth())
@@ -54,7 +55,8 @@ void addProperties(QJsonObject &report, const QWidget &widget)
     const QList<QByteArray> names = widget.dynamicPropertyNames();
     for (const QByteArray &name : names) {
         if (!name.startsWith("_q_"))
-            properties[QString::fromLatin1(name)] = QJsonValue::fromVariant(widget.property(name.constData()));
+            properties[QString::fromLatin1(name)] =
+                QJsonValue::fromVariant(widget.property(name.constData()));
     }
     if (!properties.isEmpty())
         report[u"properties"_s] = properties;
@@ -97,8 +99,9 @@ void addItemView(QJsonObject &report, const QAbstractItemView &view)
     QJsonArray rows;
     for (int row = 0; view.model() && row < view.model()->rowCount() && row < MostItems; ++row) {
         const QModelIndex index = view.model()->index(row, 0);
-        rows.append(QJsonObject{{u"text"_s, index.data().toString()},
-                                {u"rect"_s, rectangle(globalRect(*view.viewport(), view.visualRect(index)))}});
+        rows.append(
+            QJsonObject{{u"text"_s, index.data().toString()},
+                        {u"rect"_s, rectangle(globalRect(*view.viewport(), view.visualRect(index)))}});
     }
     report[u"rows"_s] = rows;
 }

@@ -9,12 +9,13 @@
 namespace quillmar::test
 {
 
-/// Starts a program that dies with this one, its output going to the file `log` (or nowhere when that is empty).
-/// False when it could not be started.
+/// Starts a program that dies with this one, its output going to the file `log` (or nowhere when that is
+/// empty). False when it could not be started.
 bool startChild(QProcess &process, const QString &program, const QStringList &arguments,
                 const QProcessEnvironment &environment, const QString &log);
 
-/// Asks the program to end, and kills it when it does not within `deadline`. Does nothing when it is not running.
+/// Asks the program to end, and kills it when it does not within `deadline`. Does nothing when it is not
+/// running.
 void stopChild(QProcess &process, std::chrono::milliseconds deadline);
 
 } // namespace quillmar::test

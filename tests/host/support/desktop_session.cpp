@@ -17,8 +17,9 @@ namespace
 // The first line that the program prints, which tells that it is ready.
 QString firstLine(QProcess &process)
 {
-    const bool ready = waitUntil(
-        [&process] { return process.canReadLine() || process.state() == QProcess::NotRunning; }, StepDeadline);
+    const bool ready =
+        waitUntil([&process] { return process.canReadLine() || process.state() == QProcess::NotRunning; },
+                  StepDeadline);
     return ready ? QString::fromLocal8Bit(process.readLine()).trimmed() : QString();
 }
 
@@ -78,8 +79,8 @@ QProcessEnvironment DesktopSession::environment() const
 bool DesktopSession::startDisplay(QSize screen)
 {
     const QString geometry = u"%1x%2x24"_s.arg(screen.width()).arg(screen.height());
-    const QStringList arguments{u"-displayfd"_s, u"1"_s,     u"-screen"_s, u"0"_s, geometry,
-                                u"-nolisten"_s,  u"tcp"_s, u"-noreset"_s};
+    const QStringList arguments{u"-displayfd"_s, u"1"_s,         u"-screen"_s, u"0"_s,
+                                geometry,        u"-nolisten"_s, u"tcp"_s,     u"-noreset"_s};
     if (!startChild(display_, u"Xvfb"_s, arguments, neutralEnvironment(), {}))
         return false;
     const QString number = firstLine(display_);

@@ -11,8 +11,8 @@
 namespace quillmar::test
 {
 
-/// What a program with windows needs to run: an X display, a window manager and a message bus, all of its own, so that
-/// tests neither see nor touch the desktop of the person who runs them.
+/// What a program with windows needs to run: an X display, a window manager and a message bus, all of its
+/// own, so that tests neither see nor touch the desktop of the person who runs them.
 class DesktopSession
 {
 public:
@@ -22,7 +22,8 @@ public:
     ~DesktopSession();
     Q_DISABLE_COPY_MOVE(DesktopSession)
 
-    /// The environment for programs on this desktop: software rendering, X11, no trace of the caller's own session.
+    /// The environment for programs on this desktop: software rendering, X11, no trace of the caller's own
+    /// session.
     QProcessEnvironment environment() const;
 
 private:
@@ -39,7 +40,8 @@ private:
     QString busAddress_;
 };
 
-/// The caller's environment without everything that ties a program to a desktop, a locale or a home of the caller.
+/// The caller's environment without everything that ties a program to a desktop, a locale or a home of the
+/// caller.
 QProcessEnvironment neutralEnvironment();
 
 } // namespace quillmar::test

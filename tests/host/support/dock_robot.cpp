@@ -122,7 +122,8 @@ bool DockRobot::choose(const Choice &combo, const QString &text)
         }
         return false;
     };
-    return click(combo, u"the list with "_s + text) && (waitUntil(clickRow) || fail(u"cannot choose "_s + text));
+    return click(combo, u"the list with "_s + text) &&
+           (waitUntil(clickRow) || fail(u"cannot choose "_s + text));
 }
 
 bool DockRobot::fill(const Choice &field, const QString &text, const QString &what)

@@ -12,14 +12,16 @@ namespace quillmar::test
 
 /// Uses the module's dock as a person does: looks at it, scrolls, clicks and types.
 ///
-/// Every action returns whether it worked; if not, problem() says what was missing. Actions wait for what they need and
-/// give up after StepDeadline.
+/// Every action returns whether it worked; if not, problem() says what was missing. Actions wait for what
+/// they need and give up after StepDeadline.
 class DockRobot
 {
 public:
     DockRobot(DriverClient &driver, RobotHand &hand) : driver_(driver), hand_(hand) {}
 
     const QString &problem() const { return problem_; }
+    /// Adds what was there instead to the description of the failure.
+    void explain(const QString &detail) { problem_ += u"; instead: " + detail; }
 
     /// Docks the panel at the right of a maximised main window.
     bool showDock(int width);
@@ -28,7 +30,8 @@ public:
     /// Picks a widget of a tree; null while it is not there.
     using Choice = std::function<const Widget *(const WidgetTree &tree)>;
 
-    /// Waits until the widget is visible, enabled and its place settled, scrolls it into view and clicks its middle.
+    /// Waits until the widget is visible, enabled and its place settled, scrolls it into view and clicks its
+    /// middle.
     bool click(const Choice &choice, const QString &what);
     /// Scrolls both into view and clicks both in one breath.
     bool clickBoth(const Choice &first, const Choice &second, const QString &what);

@@ -27,7 +27,8 @@ bool run(const QString &folder, const QString &program, const QStringList &argum
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
     process.start(program, arguments);
-    return process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    return process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit &&
+           process.exitCode() == 0;
 }
 
 bool drawPicture(const QString &path, QSize size, const char *format)
@@ -111,11 +112,13 @@ HostCatalogue::HostCatalogue(const QList<WebcamFrame> &frames)
     const QString picture = u"art/plain.png"_s;
     const QJsonArray pair{component(u"First"_s, u"art/plain.png"_s, u"overlay"_s, u"image"_s),
                           component(u"Second"_s, u"art/leading.png"_s, u"overlay"_s, u"image"_s)};
-    valid_ = directory_.isValid() && drawAssets() &&
-             addProduct(u"host-pair"_s, u"Host pair"_s, pair, {u"art"_s, u"noise.bin"_s}) &&
-             addProduct(u"host-pictures"_s, u"Host pictures"_s, pictureComponents(), {u"art"_s, u"clips"_s}) &&
-             addProduct(u"host-wrong-digest"_s, u"Host wrong digest"_s, {pair.first()}, {picture}) &&
-             addProduct(u"host-webcam"_s, u"Host webcam"_s, webcamComponents(frames), {picture}) && writeProducts();
+    valid_ =
+        directory_.isValid() && drawAssets() &&
+        addProduct(u"host-pair"_s, u"Host pair"_s, pair, {u"art"_s, u"noise.bin"_s}) &&
+        addProduct(u"host-pictures"_s, u"Host pictures"_s, pictureComponents(), {u"art"_s, u"clips"_s}) &&
+        addProduct(u"host-wrong-digest"_s, u"Host wrong digest"_s, {pair.first()}, {picture}) &&
+        addProduct(u"host-webcam"_s, u"Host webcam"_s, webcamComponents(frames), {picture}) &&
+        writeProducts();
 }
 
 bool HostCatalogue::drawAssets() const
@@ -130,8 +133,8 @@ bool HostCatalogue::drawAssets() const
            drawPicture(folder.filePath(u"art/animation.gif.png"_s), {8, 8}, "PNG") &&
            folder.rename(u"art/animation.gif.png"_s, u"art/animation.gif"_s) &&
            run(path(), u"ffmpeg"_s,
-               {u"-f"_s, u"lavfi"_s, u"-i"_s, u"testsrc=size=64x64:rate=10"_s, u"-t"_s, u"1"_s, u"-c:v"_s, u"libvpx"_s,
-                u"clips/clip.webm"_s}) &&
+               {u"-f"_s, u"lavfi"_s, u"-i"_s, u"testsrc=size=64x64:rate=10"_s, u"-t"_s, u"1"_s, u"-c:v"_s,
+                u"libvpx"_s, u"clips/clip.webm"_s}) &&
            writeNoise(folder.filePath(u"noise.bin"_s));
 }
 
@@ -159,7 +162,8 @@ bool HostCatalogue::addProduct(const QString &key, const QString &name, const QJ
 bool HostCatalogue::writeProducts() const
 {
     QFile file(path() + u"/products.json"_s);
-    return file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(products_).toJson()) > 0 && file.flush();
+    return file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(products_).toJson()) > 0 &&
+           file.flush();
 }
 
 } // namespace quillmar::test

@@ -17,10 +17,12 @@ struct WebcamFrame {
     int height = 0;
 };
 
-/// Products whose names, sizes and oddities the host tests choose themselves, as a folder that the demo service serves.
+/// Products whose names, sizes and oddities the host tests choose themselves, as a folder that the demo
+/// service serves.
 ///
-/// "Host pictures" has one component of every kind and oddity, "Host webcam" one per WebcamFrame, "Host pair" two
-/// components in a package that takes a moment to arrive, "Host wrong digest" a package that is not what it says.
+/// "Host pictures" has one component of every kind and oddity, "Host webcam" one per WebcamFrame, "Host pair"
+/// two components in a package that takes a moment to arrive, "Host wrong digest" a package that is not what
+/// it says.
 class HostCatalogue
 {
 public:
@@ -31,7 +33,8 @@ public:
 
 private:
     bool drawAssets() const;
-    bool addProduct(const QString &key, const QString &name, const QJsonArray &components, const QStringList &files);
+    bool addProduct(const QString &key, const QString &name, const QJsonArray &components,
+                    const QStringList &files);
     bool writeProducts() const;
 
     QTemporaryDir directory_;

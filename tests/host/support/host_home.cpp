@@ -50,10 +50,12 @@ bool HostHome::writeObsSettings(const HostSettings &settings) const
     QString general = u"[General]\nFirstRun=true\n"_s;
     if (!settings.hostLanguage.isEmpty())
         general += u"Language=%1\n"_s.arg(settings.hostLanguage);
-    const QString basic = u"[Basic]\nProfile=Host\nProfileDir=Host\nSceneCollection=Host\nSceneCollectionFile=Host\n"_s;
-    const QString profile = u"[General]\nName=Host\n[Video]\nBaseCX=%1\nBaseCY=%2\nOutputCX=%1\nOutputCY=%2\n"_s
-                                .arg(settings.canvas.width())
-                                .arg(settings.canvas.height());
+    const QString basic =
+        u"[Basic]\nProfile=Host\nProfileDir=Host\nSceneCollection=Host\nSceneCollectionFile=Host\n"_s;
+    const QString profile =
+        u"[General]\nName=Host\n[Video]\nBaseCX=%1\nBaseCY=%2\nOutputCX=%1\nOutputCY=%2\n"_s
+            .arg(settings.canvas.width())
+            .arg(settings.canvas.height());
     return writeFile(obsConfiguration() + u"/global.ini"_s, general) &&
            writeFile(obsConfiguration() + u"/user.ini"_s, general + basic) &&
            writeFile(obsConfiguration() + u"/basic/profiles/Host/basic.ini"_s, profile);
@@ -90,7 +92,8 @@ QJsonObject HostHome::savedSceneCollection() const
 QStringList HostHome::packageFiles() const
 {
     QStringList files;
-    QDirIterator iterator(packageRoot(), QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
+    QDirIterator iterator(packageRoot(), QDir::Files | QDir::Hidden | QDir::System,
+                          QDirIterator::Subdirectories);
     while (iterator.hasNext())
         files.append(iterator.next().mid(packageRoot().size() + 1));
     files.sort();

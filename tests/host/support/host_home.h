@@ -17,8 +17,9 @@ struct HostSettings {
     QString hostLanguage{};
 };
 
-/// A home directory of its own in the temporary folder, with OBS set up as after its first run: no wizard, one profile,
-/// the module and the driver installed where OBS looks for a user's modules. Several runs of OBS may share one home.
+/// A home directory of its own in the temporary folder, with OBS set up as after its first run: no wizard,
+/// one profile, the module and the driver installed where OBS looks for a user's modules. Several runs of OBS
+/// may share one home.
 class HostHome
 {
 public:

@@ -12,15 +12,16 @@
 namespace quillmar::test
 {
 
-/// A user at a desktop of their own with OBS open: home, display, OBS and everything to look at it and to operate it.
+/// A user at a desktop of their own with OBS open: home, display, OBS and everything to look at it and to
+/// operate it.
 class HostSession
 {
 public:
     static constexpr QSize Screen{1600, 1000};
     static constexpr int DockWidth = 400;
 
-    /// A new user whose OBS is running and, when the module is installed, whose dock is shown at the right side. Null,
-    /// with the reason in `*problem`, on failure.
+    /// A new user whose OBS is running and, when the module is installed, whose dock is shown at the right
+    /// side. Null, with the reason in `*problem`, on failure.
     static std::unique_ptr<HostSession> start(const HostSettings &settings, QString *problem);
 
     HostHome &home() { return home_; }

@@ -18,7 +18,8 @@ ModuleTexts::ModuleTexts(const QString &language)
     for (const QString &line : lines) {
         const QRegularExpressionMatch match = entry.match(line.trimmed());
         if (match.hasMatch())
-            texts_[match.captured(1)] = match.captured(2).replace("\\n"_L1, "\n"_L1).replace("\\\""_L1, "\""_L1);
+            texts_[match.captured(1)] =
+                match.captured(2).replace("\\n"_L1, "\n"_L1).replace("\\\""_L1, "\""_L1);
     }
 }
 

@@ -64,7 +64,8 @@ QList<ObsSource> ObsState::sources() const
 std::optional<ObsSource> ObsState::source(const QString &name) const
 {
     const QList<ObsSource> list = sources();
-    const auto found = std::find_if(list.cbegin(), list.cend(), [&name](const ObsSource &s) { return s.name == name; });
+    const auto found =
+        std::find_if(list.cbegin(), list.cend(), [&name](const ObsSource &s) { return s.name == name; });
     return found == list.cend() ? std::nullopt : std::optional(*found);
 }
 

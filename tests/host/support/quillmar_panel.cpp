@@ -23,7 +23,9 @@ bool isLabel(const Widget &widget)
 const Widget *productCard(const WidgetTree &tree, const QString &product)
 {
     for (const Widget &card : tree.all()) {
-        const auto isName = [&product](const Widget &widget) { return isLabel(widget) && widget.text == product; };
+        const auto isName = [&product](const Widget &widget) {
+            return isLabel(widget) && widget.text == product;
+        };
         if (card.name == "quillmarProductCard"_L1 && tree.findBelow(card, isName))
             return &card;
     }
@@ -36,7 +38,9 @@ const Widget *componentCard(const WidgetTree &tree, const QString &product, cons
     if (!owner)
         return nullptr;
     const auto isCard = [](const Widget &widget) { return widget.name == "quillmarComponentCard"_L1; };
-    const auto isTitle = [&component](const Widget &widget) { return isLabel(widget) && widget.text == component; };
+    const auto isTitle = [&component](const Widget &widget) {
+        return isLabel(widget) && widget.text == component;
+    };
     const QList<const Widget *> cards = tree.allBelow(*owner, isCard);
     for (const Widget *card : cards) {
         if (tree.findBelow(*card, isTitle))
@@ -48,7 +52,8 @@ const Widget *componentCard(const WidgetTree &tree, const QString &product, cons
 const Widget *foldButton(const WidgetTree &tree, const QString &product)
 {
     const Widget *card = productCard(tree, product);
-    return card ? tree.findBelow(*card, [](const Widget &w) { return w.checkable && isPushButton(w); }) : nullptr;
+    return card ? tree.findBelow(*card, [](const Widget &w) { return w.checkable && isPushButton(w); })
+                : nullptr;
 }
 
 } // namespace
@@ -66,7 +71,8 @@ const Widget *userNameField(const WidgetTree &tree)
 
 const Widget *passwordField(const WidgetTree &tree)
 {
-    return tree.find([](const Widget &w) { return w.parent == 0 && w.kind().endsWith("LineEdit"_L1) && w.secret; });
+    return tree.find(
+        [](const Widget &w) { return w.parent == 0 && w.kind().endsWith("LineEdit"_L1) && w.secret; });
 }
 
 const Widget *searchField(const WidgetTree &tree)
@@ -84,7 +90,8 @@ const Widget *statusLabel(const WidgetTree &tree)
     return tree.find([](const Widget &widget) {
         const QString key = widget.properties["quillmarTextKey"_L1].toString();
         return widget.parent == 0 && isLabel(widget) &&
-               (key.startsWith("Status."_L1) || key.startsWith("Session."_L1) || key.startsWith("Logout."_L1));
+               (key.startsWith("Status."_L1) || key.startsWith("Session."_L1) ||
+                key.startsWith("Logout."_L1));
     });
 }
 
@@ -128,9 +135,12 @@ bool QuillmarPanel::signIn(const QString &name, const QString &password)
 bool QuillmarPanel::enter(const QString &name, const QString &password)
 {
     return signIn(name, password) && waitForStatus(u"Status.LoginSuccess"_s) &&
-           robot_.waitFor([](const WidgetTree &tree) {
-               return tree.find([](const Widget &w) { return w.name == "quillmarProductCard"_L1 && w.visible; });
-           }, u"the list of products"_s);
+           robot_.waitFor(
+               [](const WidgetTree &tree) {
+                   return tree.find(
+                       [](const Widget &w) { return w.name == "quillmarProductCard"_L1 && w.visible; });
+               },
+               u"the list of products"_s);
 }
 
 bool QuillmarPanel::waitForStatus(const QString &key)
@@ -139,7 +149,10 @@ bool QuillmarPanel::waitForStatus(const QString &key)
         const Widget *label = statusLabel(tree);
         return label && label->properties["quillmarTextKey"_L1].toString() == key;
     };
-    return robot_.waitFor(shown, u"the status "_s + key + u", but "_s + statusKey());
+    if (robot_.waitFor(shown, u"the status "_s + key))
+        return true;
+    robot_.explain(statusKey());
+    return false;
 }
 
 QString QuillmarPanel::statusKey() const
@@ -166,7 +179,9 @@ QStringList QuillmarPanel::visibleProducts() const
     for (const Widget &card : tree.all()) {
         if (card.name != "quillmarProductCard"_L1 || !card.visible)
             continue;
-        const auto isName = [](const Widget &w) { return isLabel(w) && w.styleSheet.contains("font-weight: 700"_L1); };
+        const auto isName = [](const Widget &w) {
+            return isLabel(w) && w.styleSheet.contains("font-weight: 700"_L1);
+        };
         if (const Widget *name = tree.findBelow(card, isName))
             names.append(name->text);
     }
@@ -199,10 +214,10 @@ bool QuillmarPanel::press(const ComponentButton &button)
            robot_.click(buttonChoice(button), button.key + u" of "_s + button.component);
 }
 
-bool QuillmarPanel::pressBoth(const ComponentButton &first, const ComponentButton &second)
+bool QuillmarPanel::pressBoth(const ComponentButton &lower, const ComponentButton &upper)
 {
-    return openComponents(first.product) && openComponents(second.product) &&
-           robot_.clickBoth(buttonChoice(first), buttonChoice(second), u"two buttons"_s);
+    return openComponents(lower.product) && openComponents(upper.product) &&
+           robot_.clickBoth(buttonChoice(lower), buttonChoice(upper), u"two buttons"_s);
 }
 
 bool QuillmarPanel::waitForOutcome(const ComponentButton &button, const QString &key)
@@ -211,7 +226,10 @@ bool QuillmarPanel::waitForOutcome(const ComponentButton &button, const QString 
         const Widget *label = outcomeLabel(tree, button);
         return label && label->visible && label->properties["textKey"_L1].toString() == key;
     };
-    return robot_.waitFor(shown, key + u" under "_s + button.component + u", but "_s + outcome(button));
+    if (robot_.waitFor(shown, key + u" under "_s + button.component))
+        return true;
+    robot_.explain(outcome(button));
+    return false;
 }
 
 QString QuillmarPanel::outcome(const ComponentButton &button) const
@@ -219,6 +237,12 @@ QString QuillmarPanel::outcome(const ComponentButton &button) const
     const WidgetTree tree = robot_.tree();
     const Widget *label = outcomeLabel(tree, button);
     return label && label->visible ? label->properties["textKey"_L1].toString() : QString();
+}
+
+bool QuillmarPanel::showOutcome(const ComponentButton &button)
+{
+    const auto label = [&](const WidgetTree &tree) { return outcomeLabel(tree, button); };
+    return robot_.scrollTo(label, u"the status under "_s + button.component);
 }
 
 QString QuillmarPanel::outcomePath(const ComponentButton &button) const

@@ -46,10 +46,13 @@ public:
     /// Unfolds the list of components of a product; nothing to do when it is open.
     bool openComponents(const QString &product);
     bool press(const ComponentButton &button);
-    bool pressBoth(const ComponentButton &first, const ComponentButton &second);
+    /// Both in one breath. The upper one comes second: its status line pushes everything below it down.
+    bool pressBoth(const ComponentButton &lower, const ComponentButton &upper);
     bool waitForOutcome(const ComponentButton &button, const QString &key);
     /// Text key under the button, empty while it shows nothing.
     QString outcome(const ComponentButton &button) const;
+    /// Scrolls until the status under the button can be seen.
+    bool showOutcome(const ComponentButton &button);
     /// File that the status under the button names.
     QString outcomePath(const ComponentButton &button) const;
     /// Opens, presses and waits until the status under the button is `key`.

@@ -43,8 +43,8 @@ bool RobotHand::moveTo(QPoint point)
 bool RobotHand::wheel(QPoint point, int steps)
 {
     const QString button = steps > 0 ? u"5"_s : u"4"_s;
-    return run(moveArguments(point) +
-               QStringList{u"click"_s, u"--repeat"_s, QString::number(std::abs(steps)), u"--delay"_s, u"1"_s, button});
+    return run(moveArguments(point) + QStringList{u"click"_s, u"--repeat"_s, QString::number(std::abs(steps)),
+                                                  u"--delay"_s, u"1"_s, button});
 }
 
 bool RobotHand::type(const QString &text)

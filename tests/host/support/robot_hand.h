@@ -8,7 +8,8 @@
 namespace quillmar::test
 {
 
-/// Moves the real pointer and presses the real keys of a desktop. Every call returns when the events are on their way.
+/// Moves the real pointer and presses the real keys of a desktop. Every call returns when the events are on
+/// their way.
 class RobotHand
 {
 public:

@@ -13,7 +13,8 @@ namespace quillmar::test
 struct ServedSettings {
     HostSettings host{};
     QList<WebcamFrame> frames{};
-    /// Above 0: the service also offers a product of this size ("Giant package" with the component "Giant clip").
+    /// Above 0: the service also offers a product of this size ("Giant package" with the component "Giant
+    /// clip").
     qint64 giantBytes = 0;
     /// Account that is signed in, in English, before start() returns; empty for the sign-in view in Persian.
     QString account{};
@@ -38,7 +39,9 @@ public:
     bool enter(const QString &account);
 
 private:
-    explicit ServedSession(const ServedSettings &settings) : settings_(settings), catalogue_(settings.frames) {}
+    explicit ServedSession(const ServedSettings &settings) : settings_(settings), catalogue_(settings.frames)
+    {
+    }
 
     ServedSettings settings_;
     HostCatalogue catalogue_;

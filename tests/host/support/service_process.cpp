@@ -22,16 +22,17 @@ constexpr std::chrono::milliseconds ReadyDeadline = 120s;
 
 } // namespace
 
-std::unique_ptr<ServiceProcess> ServiceProcess::start(const QString &catalogue, qint64 giantBytes, QString *problem)
+std::unique_ptr<ServiceProcess> ServiceProcess::start(const QString &catalogue, qint64 giantBytes,
+                                                      QString *problem)
 {
     const QDir tls(qEnvironmentVariable("QUILLMAR_TLS_DIR"));
     std::unique_ptr<ServiceProcess> service(new ServiceProcess);
-    const QStringList arguments{u"--host"_s,        QStringLiteral(QUILLMAR_SERVICE_HOST),
-                                u"--port"_s,        u"443"_s,
-                                u"--certificate"_s, tls.filePath(u"server.pem"_s),
-                                u"--key"_s,         tls.filePath(u"server.key"_s),
-                                u"--catalogue"_s,   catalogue,
-                                u"--log"_s,         service->directory_.filePath(u"requests.log"_s),
+    const QStringList arguments{u"--host"_s,          QStringLiteral(QUILLMAR_SERVICE_HOST),
+                                u"--port"_s,          u"443"_s,
+                                u"--certificate"_s,   tls.filePath(u"server.pem"_s),
+                                u"--key"_s,           tls.filePath(u"server.key"_s),
+                                u"--catalogue"_s,     catalogue,
+                                u"--log"_s,           service->directory_.filePath(u"requests.log"_s),
                                 u"--giant-package"_s, QString::number(giantBytes)};
     service->process_.setProcessChannelMode(QProcess::MergedChannels);
     if (!startChild(service->process_, QStringLiteral(QUILLMAR_DEMO_SERVICE), arguments,

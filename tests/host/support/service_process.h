@@ -14,13 +14,15 @@ namespace quillmar::test
 
 /// The demo service as a program of its own, answering under the service's real name on port 443.
 ///
-/// Certificate and key come from the folder that QUILLMAR_TLS_DIR names (server.pem, server.key); the system must
-/// trust their issuer and resolve the name to the loopback address.
+/// Certificate and key come from the folder that QUILLMAR_TLS_DIR names (server.pem, server.key); the system
+/// must trust their issuer and resolve the name to the loopback address.
 class ServiceProcess
 {
 public:
-    /// Null, with the reason in `*problem`, when it does not get ready. `giantBytes` above 0 adds a product of that size.
-    static std::unique_ptr<ServiceProcess> start(const QString &catalogue, qint64 giantBytes, QString *problem);
+    /// Null, with the reason in `*problem`, when it does not get ready. `giantBytes` above 0 adds a product
+    /// of that size.
+    static std::unique_ptr<ServiceProcess> start(const QString &catalogue, qint64 giantBytes,
+                                                 QString *problem);
 
     ~ServiceProcess();
     Q_DISABLE_COPY_MOVE(ServiceProcess)

@@ -8,7 +8,8 @@ namespace quillmar::test
 
 using namespace std::chrono_literals;
 
-/// How long a step of a real program may take before a test calls it hung. Generous: a busy machine is no failure.
+/// How long a step of a real program may take before a test calls it hung. Generous: a busy machine is no
+/// failure.
 inline constexpr std::chrono::milliseconds StepDeadline = 20s;
 
 /// Turns the event loop until `condition` holds; false when it still does not after `deadline`.

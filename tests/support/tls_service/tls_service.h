@@ -57,9 +57,9 @@ private:
 ///
 /// While an instance lives, the application's HTTP proxy is a socket of its own that accepts CONNECT for any
 /// host and port, ends TLS itself with a certificate of the service host, and hands each request to the
-/// handler of its path. The authority that signed the certificate is made at run time and is the only one that the
-/// default TLS configuration trusts. What a client sees are the very bytes that the handler sends. One instance at a
-/// time; everything on the thread that made it.
+/// handler of its path. The authority that signed the certificate is made at run time and is the only one
+/// that the default TLS configuration trusts. What a client sees are the very bytes that the handler sends.
+/// One instance at a time; everything on the thread that made it.
 class TlsService : public QObject
 {
     Q_OBJECT

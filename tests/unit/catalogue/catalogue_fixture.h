@@ -17,7 +17,7 @@ namespace quillmar::test
 
 inline QJsonObject product(const QString &name, const QString &description = {}, const QString &category = {})
 {
-    return {{QStringLiteral("product_key"), QStringLiteral("key-") + name},
+    return {{QStringLiteral("product_key"), QString(QStringLiteral("key-") + name)},
             {QStringLiteral("product_name"), name},
             {QStringLiteral("description"), description},
             {QStringLiteral("category"), category},
@@ -34,7 +34,7 @@ inline QJsonObject productWithComponent(const QString &name)
 
 /// The labels and buttons of a card in the order of its layout.
 struct CardView {
-    explicit CardView(const QWidget *card) : card(card) {}
+    explicit CardView(const QWidget *shownCard) : card(shownCard) {}
 
     QWidget *at(int place) const { return card->layout()->itemAt(place)->widget(); }
     QLabel *label(int place) const { return qobject_cast<QLabel *>(at(place)); }

@@ -33,17 +33,23 @@ void RawRefusalsTest::refusals_data()
     const QByteArray json = "Content-Type: application/json\r\n";
     QTest::newRow("logout with a body") << QByteArray("POST logout") << bearer << 400 << u"unexpected_body"_s;
     QTest::newRow("download-file with a body")
-        << QByteArray("POST download-file") << QByteArray("X-Quillmar-Ticket: TICKET\r\n") << 400 << u"unexpected_body"_s;
-    QTest::newRow("products with a body") << QByteArray("GET products") << bearer << 400 << u"unexpected_body"_s;
-    QTest::newRow("plugin-version with a body") << QByteArray("GET plugin-version") << QByteArray("") << 400 << u"unexpected_body"_s;
-    QTest::newRow("login without content type") << QByteArray("POST login") << QByteArray("") << 415 << u"wrong_content_type"_s;
-    QTest::newRow("token twice") << QByteArray("GET products") << QByteArray(bearer + bearer) << 400 << u"duplicate_header"_s;
+        << QByteArray("POST download-file") << QByteArray("X-Quillmar-Ticket: TICKET\r\n") << 400
+        << u"unexpected_body"_s;
+    QTest::newRow("products with a body")
+        << QByteArray("GET products") << bearer << 400 << u"unexpected_body"_s;
+    QTest::newRow("plugin-version with a body")
+        << QByteArray("GET plugin-version") << QByteArray("") << 400 << u"unexpected_body"_s;
+    QTest::newRow("login without content type")
+        << QByteArray("POST login") << QByteArray("") << 415 << u"wrong_content_type"_s;
+    QTest::newRow("token twice") << QByteArray("GET products") << QByteArray(bearer + bearer) << 400
+                                 << u"duplicate_header"_s;
     QTest::newRow("ticket twice") << QByteArray("POST download-file")
-                                  << QByteArray("X-Quillmar-Ticket: TICKET\r\nX-Quillmar-Ticket: TICKET\r\n") << 400
-                                  << u"duplicate_header"_s;
-    QTest::newRow("content type twice") << QByteArray("POST login") << QByteArray(json + json) << 400 << u"duplicate_header"_s;
-    QTest::newRow("empty ticket") << QByteArray("POST download-file") << QByteArray("X-Quillmar-Ticket: \r\n") << 400
-                                  << u"missing_ticket"_s;
+                                  << QByteArray("X-Quillmar-Ticket: TICKET\r\nX-Quillmar-Ticket: TICKET\r\n")
+                                  << 400 << u"duplicate_header"_s;
+    QTest::newRow("content type twice")
+        << QByteArray("POST login") << QByteArray(json + json) << 400 << u"duplicate_header"_s;
+    QTest::newRow("empty ticket") << QByteArray("POST download-file") << QByteArray("X-Quillmar-Ticket: \r\n")
+                                  << 400 << u"missing_ticket"_s;
 }
 
 void RawRefusalsTest::refusals()
@@ -64,9 +70,10 @@ void RawRefusalsTest::refusals()
 void RawRefusalsTest::hugeBodyIsRefused()
 {
     const QByteArray body = "{\"username\": \"" + QByteArray(100'000, 'x') + "\"}";
-    const Answered answered = service_.sendRaw("POST /wp-json/quillmar/v1/login HTTP/1.1\r\nHost: localhost\r\n"
-                                               "Content-Type: application/json\r\nContent-Length: " +
-                                               QByteArray::number(body.size()) + "\r\n\r\n" + body);
+    const Answered answered =
+        service_.sendRaw("POST /wp-json/quillmar/v1/login HTTP/1.1\r\nHost: localhost\r\n"
+                         "Content-Type: application/json\r\nContent-Length: " +
+                         QByteArray::number(body.size()) + "\r\n\r\n" + body);
     QVERIFY2(answered.status != 200 && answered.code().isEmpty(), "the body must not be read at all");
 }
 

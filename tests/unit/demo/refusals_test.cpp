@@ -57,12 +57,12 @@ void setHeader(Request &request, const QByteArray &name, const QByteArray &value
 
 void addRow(const QByteArray &name, const Request &request, int status, const QString &code)
 {
-    QTest::newRow(name.constData()) << request.method << request.target << request.headers << request.body << status
-                                    << code;
+    QTest::newRow(name.constData()) << request.method << request.target << request.headers << request.body
+                                    << status << code;
 }
 
-void addHeaderRow(const QByteArray &route, const QByteArray &header, const QByteArray &value, const QByteArray &what,
-                  int status, const QString &code)
+void addHeaderRow(const QByteArray &route, const QByteArray &header, const QByteArray &value,
+                  const QByteArray &what, int status, const QString &code)
 {
     Request request = good(route);
     setHeader(request, header, value);
@@ -74,6 +74,82 @@ void addBodyRow(const QByteArray &route, const QByteArray &body, const QByteArra
     Request request = good(route);
     request.body = body;
     addRow(route + ": " + what, request, 400, code);
+}
+
+void addWireRows()
+{
+    for (const auto &[name, request] : goodRequests()) {
+        Request other = request;
+        other.method = request.method == "GET" ? "POST" : "GET";
+        addRow(name + ": other method", other, 405, u"method_not_allowed"_s);
+        other.method = "DELETE";
+        addRow(name + ": DELETE", other, 405, u"method_not_allowed"_s);
+        other = request;
+        other.target += u"?lang=en"_s;
+        addRow(name + ": query", other, 400, u"unexpected_query"_s);
+        addHeaderRow(name, "Host", "elsewhere.example", "another host", 421, u"wrong_host"_s);
+        if (name != "download-file")
+            addHeaderRow(name, "X-Quillmar-Ticket", "abc", "stray ticket", 400, u"unexpected_ticket"_s);
+    }
+}
+
+void addCredentialRows()
+{
+    for (const char *const route : {"logout", "products", "download-quota", "download-ticket"}) {
+        addHeaderRow(route, "Authorization", {}, "no token", 401, u"missing_token"_s);
+        addHeaderRow(route, "Authorization", "TOKEN", "token without scheme", 401, u"malformed_token"_s);
+        addHeaderRow(route, "Authorization", "bearer TOKEN", "scheme in lower case", 401,
+                     u"malformed_token"_s);
+        addHeaderRow(route, "Authorization", "Bearer nobody", "unknown token", 401, u"invalid_token"_s);
+    }
+    for (const char *const route : {"login", "download-file", "plugin-version", "preview", "plugin page"})
+        addHeaderRow(route, "Authorization", "Bearer TOKEN", "stray token", 400,
+                     u"unexpected_authorization"_s);
+    addHeaderRow("download-file", "X-Quillmar-Ticket", {}, "no ticket", 400, u"missing_ticket"_s);
+    addHeaderRow("download-file", "X-Quillmar-Ticket", "abc", "unknown ticket", 410, u"ticket_unknown"_s);
+}
+
+void addBodyRows()
+{
+    for (const char *const route :
+         {"logout", "products", "download-quota", "download-file", "plugin-version"})
+        addHeaderRow(route, "Content-Type", kJsonType, "content type", 400, u"unexpected_content_type"_s);
+    for (const char *const route : {"login", "download-ticket"}) {
+        addHeaderRow(route, "Content-Type", "text/plain", "other content type", 415, u"wrong_content_type"_s);
+        addHeaderRow(route, "Content-Type", "application/json; charset=utf-8", "content type with parameter",
+                     415, u"wrong_content_type"_s);
+        addBodyRow(route, "", "empty body", u"malformed_json"_s);
+        addBodyRow(route, "username=demo", "form body", u"malformed_json"_s);
+        addBodyRow(route, "[]", "array", u"malformed_json"_s);
+        addBodyRow(route, "{}", "no key", u"missing_key"_s);
+    }
+    addBodyRow("login", R"({"username": "demo"})", "no password", u"missing_key"_s);
+    addBodyRow("login", R"({"username": "demo", "password": 7})", "password is a number", u"missing_key"_s);
+    addBodyRow("login", R"({"username": "", "password": "demo"})", "empty name", u"missing_key"_s);
+    addBodyRow("login", R"({"username": "demo", "password": "demo", "remember": true})", "one key too many",
+               u"unexpected_key"_s);
+    addBodyRow("download-ticket", R"({"product_key": 7})", "key is a number", u"missing_key"_s);
+    addBodyRow("download-ticket", R"({"product_key": "alpha", "version": "1"})", "one key too many",
+               u"unexpected_key"_s);
+}
+
+void addContentRows()
+{
+    Request request = good("login");
+    request.body = R"({"username": "demo", "password": "Demo"})";
+    addRow("login: wrong password", request, 401, u"invalid_credentials"_s);
+    request.body = R"({"username": "nobody", "password": "demo"})";
+    addRow("login: unknown name", request, 401, u"invalid_credentials"_s);
+    request.body = R"({"username": "country", "password": "country"})";
+    addRow("login: country", request, 403, u"country_not_allowed"_s);
+    request = good("download-ticket");
+    request.body = R"({"product_key": "gamma"})";
+    addRow("download-ticket: unknown product", request, 404, u"product_not_found"_s);
+    for (const QString &target : {u"/"_s, u"/wp-json/quillmar/v1/"_s, u"/wp-json/quillmar/v1/Products"_s,
+                                  u"/wp-json/quillmar/v1/products/"_s, u"/wp-json/quillmar/v2/products"_s,
+                                  u"/products"_s, u"/previews/two.png"_s, u"/previews/"_s,
+                                  u"/previews/..%2Fproducts.json"_s, u"/previews/..%2Fserver.key"_s})
+        addRow("no such address: " + target.toLatin1(), {"GET", target, {}, {}}, 404, u"not_found"_s);
 }
 
 } // namespace
@@ -108,79 +184,6 @@ void RefusalsTest::goodRequestsPass()
 {
     QFETCH(const QByteArray, name);
     QCOMPARE(send(good(name)).status, 200);
-}
-
-void addWireRows()
-{
-    for (const auto &[name, request] : goodRequests()) {
-        Request other = request;
-        other.method = request.method == "GET" ? "POST" : "GET";
-        addRow(name + ": other method", other, 405, u"method_not_allowed"_s);
-        other.method = "DELETE";
-        addRow(name + ": DELETE", other, 405, u"method_not_allowed"_s);
-        other = request;
-        other.target += u"?lang=en"_s;
-        addRow(name + ": query", other, 400, u"unexpected_query"_s);
-        addHeaderRow(name, "Host", "elsewhere.example", "another host", 421, u"wrong_host"_s);
-        if (name != "download-file")
-            addHeaderRow(name, "X-Quillmar-Ticket", "abc", "stray ticket", 400, u"unexpected_ticket"_s);
-    }
-}
-
-void addCredentialRows()
-{
-    for (const QByteArray &route : {"logout", "products", "download-quota", "download-ticket"}) {
-        addHeaderRow(route, "Authorization", {}, "no token", 401, u"missing_token"_s);
-        addHeaderRow(route, "Authorization", "TOKEN", "token without scheme", 401, u"malformed_token"_s);
-        addHeaderRow(route, "Authorization", "bearer TOKEN", "scheme in lower case", 401, u"malformed_token"_s);
-        addHeaderRow(route, "Authorization", "Bearer nobody", "unknown token", 401, u"invalid_token"_s);
-    }
-    for (const QByteArray &route : {"login", "download-file", "plugin-version", "preview", "plugin page"})
-        addHeaderRow(route, "Authorization", "Bearer TOKEN", "stray token", 400, u"unexpected_authorization"_s);
-    addHeaderRow("download-file", "X-Quillmar-Ticket", {}, "no ticket", 400, u"missing_ticket"_s);
-    addHeaderRow("download-file", "X-Quillmar-Ticket", "abc", "unknown ticket", 410, u"ticket_unknown"_s);
-}
-
-void addBodyRows()
-{
-    for (const QByteArray &route : {"logout", "products", "download-quota", "download-file", "plugin-version"})
-        addHeaderRow(route, "Content-Type", kJsonType, "content type", 400, u"unexpected_content_type"_s);
-    for (const QByteArray &route : {"login", "download-ticket"}) {
-        addHeaderRow(route, "Content-Type", "text/plain", "other content type", 415, u"wrong_content_type"_s);
-        addHeaderRow(route, "Content-Type", "application/json; charset=utf-8", "content type with parameter", 415,
-                     u"wrong_content_type"_s);
-        addBodyRow(route, "", "empty body", u"malformed_json"_s);
-        addBodyRow(route, "username=demo", "form body", u"malformed_json"_s);
-        addBodyRow(route, "[]", "array", u"malformed_json"_s);
-        addBodyRow(route, "{}", "no key", u"missing_key"_s);
-    }
-    addBodyRow("login", R"({"username": "demo"})", "no password", u"missing_key"_s);
-    addBodyRow("login", R"({"username": "demo", "password": 7})", "password is a number", u"missing_key"_s);
-    addBodyRow("login", R"({"username": "", "password": "demo"})", "empty name", u"missing_key"_s);
-    addBodyRow("login", R"({"username": "demo", "password": "demo", "remember": true})", "one key too many",
-               u"unexpected_key"_s);
-    addBodyRow("download-ticket", R"({"product_key": 7})", "key is a number", u"missing_key"_s);
-    addBodyRow("download-ticket", R"({"product_key": "alpha", "version": "1"})", "one key too many",
-               u"unexpected_key"_s);
-}
-
-void addContentRows()
-{
-    Request request = good("login");
-    request.body = R"({"username": "demo", "password": "Demo"})";
-    addRow("login: wrong password", request, 401, u"invalid_credentials"_s);
-    request.body = R"({"username": "nobody", "password": "demo"})";
-    addRow("login: unknown name", request, 401, u"invalid_credentials"_s);
-    request.body = R"({"username": "country", "password": "country"})";
-    addRow("login: country", request, 403, u"country_not_allowed"_s);
-    request = good("download-ticket");
-    request.body = R"({"product_key": "gamma"})";
-    addRow("download-ticket: unknown product", request, 404, u"product_not_found"_s);
-    for (const QString &target :
-         {u"/"_s, u"/wp-json/quillmar/v1/"_s, u"/wp-json/quillmar/v1/Products"_s, u"/wp-json/quillmar/v1/products/"_s,
-          u"/wp-json/quillmar/v2/products"_s, u"/products"_s, u"/previews/two.png"_s, u"/previews/"_s,
-          u"/previews/..%2Fproducts.json"_s, u"/previews/..%2Fserver.key"_s})
-        addRow("no such address: " + target.toLatin1(), {"GET", target, {}, {}}, 404, u"not_found"_s);
 }
 
 void RefusalsTest::refusals_data()

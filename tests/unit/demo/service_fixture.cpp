@@ -26,7 +26,7 @@ QJsonObject product(const QString &key)
 {
     return {{u"product_key"_s, key},
             {u"product_version"_s, u"1"_s},
-            {u"file_name"_s, key + u" pack.zip"_s},
+            {u"file_name"_s, QString(key + u" pack.zip"_s)},
             {u"file_mime"_s, u"application/zip"_s}};
 }
 
@@ -89,7 +89,8 @@ Answered ServiceFixture::sendRaw(const QByteArray &bytes)
     QObject::connect(&socket, &QSslSocket::readyRead, &socket, [&] { response += socket.readAll(); });
     socket.connectToHostEncrypted(u"localhost"_s, port());
     const auto isWhole = [&] {
-        return response.endsWith('}') || (socket.state() == QAbstractSocket::UnconnectedState && !response.isEmpty());
+        return response.endsWith('}') ||
+               (socket.state() == QAbstractSocket::UnconnectedState && !response.isEmpty());
     };
     return QTest::qWaitFor(isWhole, kPatience) ? parse(response) : Answered();
 }
@@ -129,7 +130,8 @@ Answered ServiceFixture::fetch(const QByteArray &ticket)
 
 QByteArray ServiceFixture::package(const QString &productKey) const
 {
-    return productKey == "alpha"_L1 ? QByteArray("0123456789").repeated(30'000) : QByteArray("a small package");
+    return productKey == "alpha"_L1 ? QByteArray("0123456789").repeated(30'000)
+                                    : QByteArray("a small package");
 }
 
 QByteArray ServiceFixture::log() const

@@ -25,9 +25,11 @@ struct Answered {
     QString code() const { return json.value(QLatin1StringView("code")).toString(); }
 };
 
-/// A running demo service over a small catalogue in a folder of its own, and a client that trusts its certificate.
+/// A running demo service over a small catalogue in a folder of its own, and a client that trusts its
+/// certificate.
 ///
-/// The service answers for "localhost". Products: "alpha" (package of 300,000 bytes) and "beta"; one preview, "one.png".
+/// The service answers for "localhost". Products: "alpha" (package of 300,000 bytes) and "beta"; one preview,
+/// "one.png".
 class ServiceFixture
 {
 public:
@@ -40,7 +42,8 @@ public:
     Answered send(const QByteArray &method, const QString &target, const HeaderList &headers = {},
                   const QByteArray &body = {});
 
-    /// Bytes as they are over TLS; the answer is read until the service closes or is silent at the end of a response.
+    /// Bytes as they are over TLS; the answer is read until the service closes or is silent at the end of a
+    /// response.
     Answered sendRaw(const QByteArray &bytes);
 
     Answered get(const QString &route, const QByteArray &token);

@@ -30,14 +30,21 @@ public:
 namespace quillmar::test
 {
 
-/// Stands in for the main window of OBS: its slot asks for a name in a modal dialog, makes the transition current and
-/// opens the properties of it. It behaves otherwise on demand.
+/// Stands in for the main window of OBS: its slot asks for a name in a modal dialog, makes the transition
+/// current and opens the properties of it. It behaves otherwise on demand.
 class FrontEnd : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    enum class Asks { WithNameDialog, WithTwoLineEdits, WithoutLineEdit, WithOtherClass, WithOtherParent, NotAtAll };
+    enum class Asks {
+        WithNameDialog,
+        WithTwoLineEdits,
+        WithoutLineEdit,
+        WithOtherClass,
+        WithOtherParent,
+        NotAtAll
+    };
 
     /// Becomes the main window of `obs`.
     explicit FrontEnd(LibobsFake &obs);

@@ -11,7 +11,8 @@ namespace quillmar::test
 {
 
 /// A component that the add test lets pass.
-inline ProductComponent insertable(const QString &mode, const QString &type, const QString &name = QStringLiteral("X"))
+inline ProductComponent insertable(const QString &mode, const QString &type,
+                                   const QString &name = QStringLiteral("X"))
 {
     ProductComponent component;
     component.component_name = name;
@@ -41,7 +42,10 @@ struct InsertionFixture {
     }
 
     /// Nothing is held any more, and nothing was given back twice.
-    bool isBalanced() const { return obs.outstanding() == LibobsFake::Outstanding() && obs.misuse().isEmpty(); }
+    bool isBalanced() const
+    {
+        return obs.outstanding() == LibobsFake::Outstanding() && obs.misuse().isEmpty();
+    }
 };
 
 } // namespace quillmar::test

@@ -136,9 +136,12 @@ void SourceInsertionFailureTest::creationFails_data()
     QTest::addColumn<QStringList>("removed");
     QTest::newRow("source, current scene") << u"overlay"_s << Creation::Source << QStringList();
     QTest::newRow("source, new scene") << u"fullscreen_scene"_s << Creation::Source << QStringList();
-    QTest::newRow("new scene") << u"fullscreen_scene"_s << Creation::Scene << QStringList(u"Quillmar - X - Asset"_s);
-    QTest::newRow("item, current scene") << u"overlay"_s << Creation::SceneItem << QStringList(u"Quillmar - X"_s);
-    QTest::newRow("item, webcam frame") << u"webcam_frame"_s << Creation::SceneItem << QStringList(u"Quillmar - X"_s);
+    QTest::newRow("new scene") << u"fullscreen_scene"_s << Creation::Scene
+                               << QStringList(u"Quillmar - X - Asset"_s);
+    QTest::newRow("item, current scene")
+        << u"overlay"_s << Creation::SceneItem << QStringList(u"Quillmar - X"_s);
+    QTest::newRow("item, webcam frame")
+        << u"webcam_frame"_s << Creation::SceneItem << QStringList(u"Quillmar - X"_s);
     QTest::newRow("item, new scene") << u"fullscreen_scene"_s << Creation::SceneItem
                                      << QStringList({u"Quillmar - X - Asset"_s, u"Quillmar - X"_s});
 }
@@ -151,7 +154,8 @@ void SourceInsertionFailureTest::creationFails()
     InsertionFixture fixture;
     fixture.obs.failCreation(creation);
 
-    QCOMPARE(insertComponent(insertable(mode, u"image"_s), fixture.file(u"a.png"_s)), u"Component.InsertFailed"_s);
+    QCOMPARE(insertComponent(insertable(mode, u"image"_s), fixture.file(u"a.png"_s)),
+             u"Component.InsertFailed"_s);
     QCOMPARE(fixture.obs.removedNames(), removed);
     QCOMPARE(fixture.obs.sourceNames(), QStringList(fixture.scene->name));
     QVERIFY(fixture.scene->scene->items.isEmpty());

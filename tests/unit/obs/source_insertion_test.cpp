@@ -53,7 +53,8 @@ void SourceInsertionTest::addTest_data()
     QTest::newRow("overlay, media") << insertable(u"overlay"_s, u"media"_s) << true;
     QTest::newRow("webcam frame") << insertable(u"webcam_frame"_s, u"image"_s) << true;
     QTest::newRow("fullscreen scene") << insertable(u"fullscreen_scene"_s, u"media"_s) << true;
-    QTest::newRow("stinger without a main window") << insertable(u"stinger_transition"_s, u"media"_s) << false;
+    QTest::newRow("stinger without a main window")
+        << insertable(u"stinger_transition"_s, u"media"_s) << false;
     QTest::newRow("unknown mode") << insertable(u"underlay"_s, u"image"_s) << false;
     QTest::newRow("mode of other case") << insertable(u"Overlay"_s, u"image"_s) << false;
     QTest::newRow("unknown source type") << insertable(u"overlay"_s, u"text"_s) << false;
@@ -147,7 +148,8 @@ void SourceInsertionTest::fullscreenBecomesANewScene()
 {
     InsertionFixture fixture;
 
-    QCOMPARE(insertComponent(insertable(u"fullscreen_scene"_s, u"image"_s), fixture.file(u"a.png"_s)), QString());
+    QCOMPARE(insertComponent(insertable(u"fullscreen_scene"_s, u"image"_s), fixture.file(u"a.png"_s)),
+             QString());
     const obs_source_t *scene = fixture.obs.source(u"Quillmar - X"_s);
     QVERIFY(scene != nullptr && scene->scene);
     QCOMPARE(scene->scene->items.size(), 1);
@@ -175,7 +177,8 @@ void SourceInsertionTest::fullscreenNeedsNoCurrentScene()
     InsertionFixture fixture;
     fixture.obs.setCurrentScene(nullptr);
 
-    QCOMPARE(insertComponent(insertable(u"fullscreen_scene"_s, u"media"_s), fixture.file(u"a.mp4"_s)), QString());
+    QCOMPARE(insertComponent(insertable(u"fullscreen_scene"_s, u"media"_s), fixture.file(u"a.mp4"_s)),
+             QString());
     QVERIFY(fixture.isBalanced());
 }
 
@@ -230,7 +233,8 @@ void SourceInsertionTest::sameNameTwiceGetsANumber()
 
     QCOMPARE(insertComponent(component, path), QString());
     QCOMPARE(insertComponent(component, path), QString());
-    QCOMPARE(fixture.obs.sourceNames(), QStringList({fixture.scene->name, u"Quillmar - X"_s, u"Quillmar - X (2)"_s}));
+    QCOMPARE(fixture.obs.sourceNames(),
+             QStringList({fixture.scene->name, u"Quillmar - X"_s, u"Quillmar - X (2)"_s}));
     QVERIFY(fixture.isBalanced());
 }
 
@@ -242,8 +246,9 @@ void SourceInsertionTest::sameFullscreenTwiceNumbersBoth()
 
     QCOMPARE(insertComponent(component, path), QString());
     QCOMPARE(insertComponent(component, path), QString());
-    QCOMPARE(fixture.obs.sourceNames(), QStringList({fixture.scene->name, u"Quillmar - X - Asset"_s, u"Quillmar - X"_s,
-                                                     u"Quillmar - X - Asset (2)"_s, u"Quillmar - X (2)"_s}));
+    QCOMPARE(fixture.obs.sourceNames(),
+             QStringList({fixture.scene->name, u"Quillmar - X - Asset"_s, u"Quillmar - X"_s,
+                          u"Quillmar - X - Asset (2)"_s, u"Quillmar - X (2)"_s}));
 }
 
 void SourceInsertionTest::hostileName_data()
@@ -267,7 +272,8 @@ void SourceInsertionTest::hostileName()
     QFETCH(const QString, source);
     InsertionFixture fixture;
 
-    QCOMPARE(insertComponent(insertable(u"overlay"_s, u"image"_s, name), fixture.file(u"a.png"_s)), QString());
+    QCOMPARE(insertComponent(insertable(u"overlay"_s, u"image"_s, name), fixture.file(u"a.png"_s)),
+             QString());
     QCOMPARE(fixture.scene->scene->items.first()->source->name, source);
 }
 
@@ -278,11 +284,13 @@ void SourceInsertionTest::suffix_data()
     QTest::addColumn<QString>("error");
     for (const QString &suffix : {u"png"_s, u"jpg"_s, u"jpeg"_s, u"webp"_s, u"PNG"_s, u"JpEg"_s}) {
         QTest::addRow("image %s", qPrintable(suffix)) << u"image"_s << u"a."_s + suffix << QString();
-        QTest::addRow("media %s", qPrintable(suffix)) << u"media"_s << u"a."_s + suffix << u"Component.Unsupported"_s;
+        QTest::addRow("media %s", qPrintable(suffix))
+            << u"media"_s << u"a."_s + suffix << u"Component.Unsupported"_s;
     }
     for (const QString &suffix : {u"webm"_s, u"mp4"_s, u"MP4"_s}) {
         QTest::addRow("media %s", qPrintable(suffix)) << u"media"_s << u"a."_s + suffix << QString();
-        QTest::addRow("image %s", qPrintable(suffix)) << u"image"_s << u"a."_s + suffix << u"Component.Unsupported"_s;
+        QTest::addRow("image %s", qPrintable(suffix))
+            << u"image"_s << u"a."_s + suffix << u"Component.Unsupported"_s;
     }
     QTest::newRow("gif") << u"image"_s << u"a.gif"_s << u"Component.Unsupported"_s;
     QTest::newRow("none") << u"image"_s << u"png"_s << u"Component.Unsupported"_s;
@@ -315,7 +323,8 @@ void SourceInsertionTest::stepsComeInOrder()
 {
     InsertionFixture fixture;
 
-    QCOMPARE(insertComponent(insertable(u"fullscreen_scene"_s, u"image"_s), fixture.file(u"a.png"_s)), QString());
+    QCOMPARE(insertComponent(insertable(u"fullscreen_scene"_s, u"image"_s), fixture.file(u"a.png"_s)),
+             QString());
     QCOMPARE(fixture.obs.calls(), QStringList({
                                       u"obs_source_create image_source Quillmar - X - Asset"_s,
                                       u"obs_scene_create Quillmar - X"_s,

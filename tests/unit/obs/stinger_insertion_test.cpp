@@ -109,7 +109,8 @@ void StingerInsertionTest::obsVersion()
 
     QCOMPARE(canAddStinger(), available);
     QCOMPARE(canAdd(stinger()), available);
-    QCOMPARE(insertStinger(stinger(), fixture.path), available ? QString() : u"Component.StingerUnavailable"_s);
+    QCOMPARE(insertStinger(stinger(), fixture.path),
+             available ? QString() : u"Component.StingerUnavailable"_s);
     QCOMPARE(fixture.window.requestedIds.size(), available ? 1 : 0);
 }
 
@@ -163,9 +164,8 @@ void StingerInsertionTest::becomesATransition()
     QCOMPARE(fixture.window.dialogResults, QList<int>{QDialog::Accepted});
     const obs_source_t *transition = fixture.obs.transition(u"Quillmar - X"_s);
     QVERIFY(transition != nullptr);
-    QCOMPARE(transition->settings, (QVariantHash{{u"path"_s, fixture.path},
-                                                 {u"tp_type"_s, 0LL},
-                                                 {u"transition_point"_s, 1234LL}}));
+    QCOMPARE(transition->settings,
+             (QVariantHash{{u"path"_s, fixture.path}, {u"tp_type"_s, 0LL}, {u"transition_point"_s, 1234LL}}));
     QCOMPARE(fixture.obs.calls(), QStringList({u"obs_frontend_set_current_transition محو"_s,
                                                u"obs_source_update Quillmar - X"_s, u"obs_frontend_save"_s}));
     QVERIFY(fixture.isBalanced());
@@ -223,7 +223,8 @@ void StingerInsertionTest::sameNameTwiceGetsANumber()
 
     QCOMPARE(insertStinger(stinger(), fixture.path), QString());
     QCOMPARE(insertStinger(stinger(), fixture.path), QString());
-    QCOMPARE(fixture.obs.transitionNames(), QStringList({u"محو"_s, u"Quillmar - X"_s, u"Quillmar - X (2)"_s}));
+    QCOMPARE(fixture.obs.transitionNames(),
+             QStringList({u"محو"_s, u"Quillmar - X"_s, u"Quillmar - X (2)"_s}));
     QVERIFY(fixture.isBalanced());
 }
 
@@ -254,7 +255,8 @@ void StingerInsertionTest::nameThatEndsWithBlanks_data()
     QTest::addColumn<QString>("transition");
     QTest::newRow("a blank") << u"X "_s << u"Quillmar - X"_s;
     QTest::newRow("blanks and tabs") << u" X\t \t"_s << u"Quillmar -  X"_s;
-    QTest::newRow("blank before the cut") << QString(119, u'a') + u" b"_s << u"Quillmar - "_s + QString(119, u'a');
+    QTest::newRow("blank before the cut")
+        << QString(119, u'a') + u" b"_s << u"Quillmar - "_s + QString(119, u'a');
     QTest::newRow("blank before NUL") << u"X "_s + QChar(0) + u'Y' << u"Quillmar - X"_s;
     QTest::newRow("only blanks") << u"  "_s << u"Quillmar - Component"_s;
     QTest::newRow("line break") << u"X\n"_s << u"Quillmar - X\n"_s;
@@ -278,7 +280,8 @@ void StingerInsertionTest::hostileName_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("entered");
     QTest::newRow("300 characters") << QString(300, u'a') << u"Quillmar - "_s + QString(120, u'a');
-    QTest::newRow("pair at the cut") << QString(119, u'a') + u"\U0001D11E"_s << u"Quillmar - "_s + QString(119, u'a');
+    QTest::newRow("pair at the cut") << QString(119, u'a') + u"\U0001D11E"_s
+                                     << u"Quillmar - "_s + QString(119, u'a');
     QTest::newRow("quotes") << u"\"a\"'b'"_s << u"Quillmar - \"a\"'b'"_s;
     QTest::newRow("line break inside") << u"a\nb"_s << u"Quillmar - a\nb"_s;
     QTest::newRow("placeholder") << u"%1"_s << u"Quillmar - %1"_s;

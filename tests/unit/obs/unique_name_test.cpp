@@ -41,8 +41,8 @@ void UniqueNameTest::baseOfTheName_data()
     QTest::newRow("120 characters") << QString(120, u'a') << u"Quillmar - "_s + QString(120, u'a');
     QTest::newRow("121 characters") << QString(121, u'a') << u"Quillmar - "_s + QString(120, u'a');
     QTest::newRow("300 characters") << QString(300, u'a') << u"Quillmar - "_s + QString(120, u'a');
-    QTest::newRow("pair before the cut") << QString(118, u'a') + clef + u'b'
-                                         << u"Quillmar - "_s + QString(118, u'a') + clef;
+    QTest::newRow("pair before the cut")
+        << QString(118, u'a') + clef + u'b' << u"Quillmar - "_s + QString(118, u'a') + clef;
     QTest::newRow("pair at the cut") << QString(119, u'a') + clef << u"Quillmar - "_s + QString(119, u'a');
     QTest::newRow("half a pair") << halfClef << u"Quillmar - "_s + QString::fromUtf8(halfClef.toUtf8());
     QTest::newRow("quotes") << u"\"a\" 'b'"_s << u"Quillmar - \"a\" 'b'"_s;

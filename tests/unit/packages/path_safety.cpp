@@ -37,7 +37,7 @@ void PathSafetyTest::productKey_data()
     const auto good = [](const QString &key) { QTest::newRow(qPrintable(u"good "_s + key.left(20))) << key << true; };
     const auto bad = [](const char *name, const QString &key) { QTest::newRow(name) << key << false; };
     for (const QString &key : {u"a"_s, u"Z"_s, u"0"_s, u"my.pack-1_2"_s, u"CONSOLE"_s, u"COM10"_s, u"a.con"_s,
-                               u"a."_s + u"b"_s, u"a-"_s, u"a_"_s, u"nul-1"_s, u"LPT"_s, u"aux_"_s})
+                               u"a-"_s, u"a_"_s, u"nul-1"_s, u"LPT"_s, u"aux_"_s})
         good(key);
     QTest::newRow("128 characters") << QString(128, u'k') << true;
     bad("129 characters", QString(129, u'k'));

@@ -199,8 +199,8 @@ void AccountSignInTest::otherCodes()
 void AccountSignInTest::hostileCodeInTheLog()
 {
     AccountFixture f;
-    f.answer("login",
-             refusal(403, QString(QStringLiteral("a\r\nb\x1b[31m") + QChar(0) + QString(100'000, QLatin1Char('x')))));
+    f.answer("login", refusal(403, QString(QStringLiteral("a\r\nb\x1b[31m") + QChar(0) +
+                                           QString(100'000, QLatin1Char('x')))));
     f.account->signIn();
     QTRY_COMPARE(f.log.size(), 1);
     const QString line = f.log.first();

@@ -1,3 +1,4 @@
+#include "tests/support/libobs_fake/libobs_fake.h"
 #include "tests/unit/ui/dock_fixture.h"
 
 #include <QScrollArea>
@@ -23,6 +24,9 @@ QJsonObject product(const QString &name, bool withComponents)
     if (withComponents)
         object.insert(u"components"_s, QJsonArray{QJsonObject{{u"component_name"_s, u"Webcam frame"_s},
                                                               {u"asset_path"_s, u"a/b.png"_s},
+                                                              {u"auto_insert_enabled"_s, true},
+                                                              {u"insert_mode"_s, u"overlay"_s},
+                                                              {u"source_type"_s, u"image"_s},
                                                               {u"asset_kind"_s, u"file"_s}}});
     return object;
 }
@@ -53,6 +57,8 @@ void DockWidthTest::languages_data()
 void DockWidthTest::dockCanBeThreeHundredPixelsWide()
 {
     QFETCH(QString, language);
+    LibobsFake obs;
+    obs.setConfigurable(u"image_source"_s, true);
     Dock dock(language);
     dock.panel.showUpdate({u"0.2.0"_s, QUrl(u"https://quillmar.example/x"_s), false, QString(400, u'W')},
                           true);
@@ -68,6 +74,8 @@ void DockWidthTest::dockCanBeThreeHundredPixelsWide()
 void DockWidthTest::nothingIsWiderThanANarrowDock()
 {
     QFETCH(QString, language);
+    LibobsFake obs;
+    obs.setConfigurable(u"image_source"_s, true);
     Dock dock(language);
     dock.panel.setProducts({product(QString(80, u'W'), false), product(u"Night pack"_s, true)});
     dock.panel.showHomeView();

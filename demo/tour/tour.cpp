@@ -1,0 +1,135 @@
+#include "demo/tour/tour.h"
+
+#include "demo/tour/expected_state.h"
+#include "demo/tour/readability.h"
+#include "demo/tour/state_table.h"
+#include "tests/host/support/waiting.h"
+
+#include <QTextStream>
+
+namespace quillmar::demo
+{
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+void say(const QString &line)
+{
+    QTextStream(stdout) << line << Qt::endl;
+}
+
+} // namespace
+
+bool Tour::run()
+{
+    return open() && visitSignIn() && browse() && addComponents() && readState() && showNewScene() && leave();
+}
+
+bool Tour::open()
+{
+    QString problem;
+    service_ = test::ServiceProcess::start(catalogue_, 0, &problem);
+    if (!service_)
+        return fail(problem);
+    say(u"The demo service answers."_s);
+    session_ = test::HostSession::start({}, &problem);
+    if (!session_)
+        return fail(problem);
+    firstScene_ = session_->state().currentScene();
+    say(u"OBS Studio runs with the module; its dock is open."_s);
+    return true;
+}
+
+bool Tour::visitSignIn()
+{
+    test::QuillmarPanel &panel = session_->panel();
+    if (!photographIn(u"fa-IR"_s, u"sign-in"_s) || !panel.setLanguage(u"en-US"_s) ||
+        !photographIn(u"en-US"_s, u"sign-in"_s))
+        return failPanel();
+    if (!panel.enter(u"demo"_s, u"demo"_s))
+        return failPanel();
+    say(u"Signed in as “demo”; %1 products are listed."_s.arg(panel.visibleProducts().size()));
+    return true;
+}
+
+bool Tour::browse()
+{
+    test::QuillmarPanel &panel = session_->panel();
+    const QString product = expectedInsertions().first().product;
+    if (!photograph(u"products"_s) || !panel.search(u"camera"_s) || !photograph(u"search"_s))
+        return failPanel();
+    say(u"A search for “camera” finds: "_s + panel.visibleProducts().join(", "_L1));
+    if (!panel.search({}) || !panel.openComponents(product) || !photograph(u"components"_s))
+        return failPanel();
+    return true;
+}
+
+bool Tour::addComponents()
+{
+    test::QuillmarPanel &panel = session_->panel();
+    for (const ExpectedInsertion &insertion : expectedInsertions()) {
+        const test::ComponentButton button{insertion.product, insertion.component};
+        if (!panel.run(button) || !panel.showOutcome(button))
+            return failPanel();
+        say(u"Added “%1” of “%2”."_s.arg(insertion.component, insertion.product));
+        if (!photograph(u"added-"_s + insertion.mode +
+                        (insertion.sourceId == "ffmpeg_source"_L1 ? u"-clip"_s : QString())))
+            return failPanel();
+    }
+    return true;
+}
+
+bool Tour::readState()
+{
+    const StateTable table = StateTable::read(session_->state(), firstScene_);
+    say(u'\n' + table.text());
+    return table.differences.isEmpty() || fail(table.differences.join(u'\n'));
+}
+
+bool Tour::showNewScene()
+{
+    for (const ExpectedInsertion &insertion : expectedInsertions()) {
+        if (insertion.newScene.isEmpty())
+            continue;
+        if (!session_->state().setCurrentScene(insertion.newScene) || !photograph(u"new-scene"_s))
+            return fail(u"the new scene cannot be shown"_s);
+    }
+    return true;
+}
+
+bool Tour::leave()
+{
+    const test::ObsExit exit = session_->obs().quit();
+    if (!exit.inTime || exit.crashed || exit.code != 0)
+        return fail(u"OBS did not end in order"_s);
+    say(u"OBS ended in order; memory leaks by its own count: %1."_s.arg(exit.log.leaks));
+    say(u"%1 screenshots: %2"_s.arg(pictures_).arg(output_.absolutePath()));
+    return cutTexts_.isEmpty() || fail(u"Texts that are cut off:\n"_s + cutTexts_.join(u'\n'));
+}
+
+bool Tour::photograph(const QString &name)
+{
+    return photographIn(u"en-US"_s, name) && session_->panel().setLanguage(u"fa-IR"_s) &&
+           photographIn(u"fa-IR"_s, name) && session_->panel().setLanguage(u"en-US"_s);
+}
+
+bool Tour::photographIn(const QString &language, const QString &name)
+{
+    const QString number = u"%1"_s.arg(pictures_ / 2 + 1, 2, 10, '0'_L1);
+    const QString file = output_.filePath(number + u'-' + name + u'-' + language + u".png"_s);
+    const QStringList cut = cutTexts(session_->panel().robot().tree());
+    for (const QString &text : cut)
+        cutTexts_.append(QFileInfo(file).fileName() + u": "_s + text);
+    ++pictures_;
+    return session_->takeScreenshot(file);
+}
+
+bool Tour::fail(const QString &problem)
+{
+    QTextStream(stderr) << "quillmar-demo-tour: " << problem << Qt::endl;
+    return false;
+}
+
+} // namespace quillmar::demo
