@@ -2,8 +2,8 @@
 //
 //   package_speed [MEBIBYTES] [FOLDER]
 //
-// Every figure is the best of three. A ratio above 1 means that the module is faster than the tool. Needs sha256sum, zip,
-// unzip, 7z and bsdtar.
+// Every figure is the best of three. A ratio above 1 means that the module is faster than the tool. Needs
+// sha256sum, zip, unzip, 7z and bsdtar.
 
 #include "bench/process_memory.h"
 
@@ -201,8 +201,8 @@ int main(int argc, char **argv)
     const QStringList arguments = QCoreApplication::arguments();
     const int mebibytes = arguments.size() > 1 ? arguments[1].toInt() : 256;
     const QString base = arguments.size() > 2 ? arguments[2] : QDir::tempPath();
-    const auto run = [&](const char *what, const QString &level, const std::function<void(const QString &)> &fill,
-                         double largest, bool verify) {
+    const auto run = [&](const char *what, const QString &level,
+                         const std::function<void(const QString &)> &fill, double largest, bool verify) {
         const QTemporaryDir work(base + u"/speed-XXXXXX");
         const QString folder = QFileInfo(work.path()).canonicalFilePath();
         fill(folder);

@@ -21,20 +21,34 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-ProductFileResult refused() { return ProductFileResult::failure(u"Component.UnsafePath"_s); }
-ProductFileResult missing() { return ProductFileResult::failure(u"Component.FileMissing"_s); }
-ProductFileResult invalid() { return ProductFileResult::failure(u"Component.InvalidArchive"_s); }
-ProductFileResult unsaved() { return ProductFileResult::failure(u"Download.SaveFailed"_s); }
+ProductFileResult refused()
+{
+    return ProductFileResult::failure(u"Component.UnsafePath"_s);
+}
+ProductFileResult missing()
+{
+    return ProductFileResult::failure(u"Component.FileMissing"_s);
+}
+ProductFileResult invalid()
+{
+    return ProductFileResult::failure(u"Component.InvalidArchive"_s);
+}
+ProductFileResult unsaved()
+{
+    return ProductFileResult::failure(u"Download.SaveFailed"_s);
+}
 
 /// Only a regular file: opening a pipe would wait for its writer.
 bool openPackage(QFile &package)
 {
-    return QFileInfo(package.fileName()).isFile() && package.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    return QFileInfo(package.fileName()).isFile() &&
+           package.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
 }
 
 bool isZip(const ComponentProduct &product)
 {
-    return product.file_mime == u"application/zip" || product.file_name.endsWith(u".zip", Qt::CaseInsensitive);
+    return product.file_mime == u"application/zip" ||
+           product.file_name.endsWith(u".zip", Qt::CaseInsensitive);
 }
 
 /// Takes the files of one component out of an archive.
@@ -66,8 +80,9 @@ private:
                            [this](const ZipEntry &entry) { return isInside(entry.path); });
     }
 
-    /// The answer of the inside-root test for the destination of `path`. A folder that does not exist holds no link, so
-    /// nothing below it is looked at; ten thousand entries would otherwise each walk up to the top of the volume.
+    /// The answer of the inside-root test for the destination of `path`. A folder that does not exist holds
+    /// no link, so nothing below it is looked at; ten thousand entries would otherwise each walk up to the
+    /// top of the volume.
     bool isInside(const QString &path)
     {
         const QString target = destination(path);
@@ -126,14 +141,13 @@ private:
             !held.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
             return false;
         bool same = true;
-        const bool sound = reader_.read(package, entry, [&](QByteArrayView bytes) {
-            same = same && held.read(bytes.size()) == bytes;
-        });
+        const bool sound = reader_.read(
+            package, entry, [&](QByteArrayView bytes) { same = same && held.read(bytes.size()) == bytes; });
         return sound && same;
     }
 
-    /// The bytes flow into a temporary file, which takes the target's place once they have proved right. A failure to
-    /// write does not end the reading: a damaged archive is to be reported as such.
+    /// The bytes flow into a temporary file, which takes the target's place once they have proved right. A
+    /// failure to write does not end the reading: a damaged archive is to be reported as such.
     ProductFileResult writeFile(QFile &package, const ZipEntry &entry, const QString &target)
     {
         PendingFile file(root_, target);
@@ -159,7 +173,8 @@ ProductFileResult copyWhole(const QString &root, QFile &package, const QString &
                                                                          : unsaved();
 }
 
-ProductFileResult copyPackage(const QString &root, const ComponentProduct &product, const QString &packagePath)
+ProductFileResult copyPackage(const QString &root, const ComponentProduct &product,
+                              const QString &packagePath)
 {
     const QString fileName = safeRelativePath(product.file_name);
     if (fileName.isEmpty() || fileName.contains(u'/'))
@@ -181,7 +196,8 @@ ProductFileResult extractComponent(const QString &root, const ComponentProduct &
     const QString folder = outputDirectory(root, product) + u"/Components";
     QFile package(packagePath);
     if (isZip(product))
-        return openPackage(package) ? ComponentExtraction(root, folder, asset, isFolder).run(package) : invalid();
+        return openPackage(package) ? ComponentExtraction(root, folder, asset, isFolder).run(package)
+                                    : invalid();
     if (isFolder || asset != safeRelativePath(product.file_name) || !openPackage(package))
         return missing();
     return copyWhole(root, package, folder + u'/' + asset);
@@ -189,10 +205,11 @@ ProductFileResult extractComponent(const QString &root, const ComponentProduct &
 
 } // namespace
 
-ProductFileResult extractPackage(const QString &root, const ComponentProduct &product, const QString &packagePath,
-                                 const std::optional<ProductComponent> &component)
+ProductFileResult extractPackage(const QString &root, const ComponentProduct &product,
+                                 const QString &packagePath, const std::optional<ProductComponent> &component)
 {
-    if (!isValid(product) || !isInsideRoot(root, packagePath) || packagePath != cachedPackagePath(root, product))
+    if (!isValid(product) || !isInsideRoot(root, packagePath) ||
+        packagePath != cachedPackagePath(root, product))
         return refused();
     return component ? extractComponent(root, product, packagePath, *component)
                      : copyPackage(root, product, packagePath);

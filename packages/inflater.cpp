@@ -16,10 +16,12 @@ namespace
 namespace entry = huffman_entry;
 
 constexpr qint64 kInputBytes = 128 * 1024;
-constexpr qint64 kInputSlack = 64; ///< zeros behind the last byte, so that no step asks whether bytes are left
+constexpr qint64 kInputSlack =
+    64; ///< zeros behind the last byte, so that no step asks whether bytes are left
 constexpr qint64 kHistoryBytes = 32 * 1024;
 constexpr qint64 kPieceBytes = 192 * 1024;
-constexpr qint64 kOutputSlack = 3 + 258 + 8; ///< what one step writes at most, and what a copy by words overshoots
+constexpr qint64 kOutputSlack =
+    3 + 258 + 8; ///< what one step writes at most, and what a copy by words overshoots
 
 constexpr std::size_t kLengthSymbols = 288;
 constexpr std::size_t kDistanceSymbols = 32;
@@ -240,7 +242,9 @@ bool Inflater::readCodeLengths(std::size_t count)
         if (symbol == 16 && done == 0)
             return false;
         const quint8 repeated = symbol == 16 ? lengths_[done - 1] : quint8{0};
-        const std::size_t times = symbol == 16 ? in_.take(2) + 3 : symbol == 17 ? in_.take(3) + 3 : in_.take(7) + 11;
+        const std::size_t times = symbol == 16   ? in_.take(2) + 3
+                                  : symbol == 17 ? in_.take(3) + 3
+                                                 : in_.take(7) + 11;
         if (done + times > count)
             return false;
         std::fill_n(lengths_.begin() + static_cast<std::ptrdiff_t>(done), times, repeated);

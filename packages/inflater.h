@@ -13,9 +13,9 @@ namespace quillmar
 
 /// Inflates raw deflate streams out of a file, piece by piece.
 ///
-/// Takes about half a mebibyte whatever the stream holds, and never reads the whole of it at once: memory stays flat for
-/// the largest entry, and a stream that would grow beyond what was declared is given up at once. One object serves any
-/// number of streams, one after another. Any one thread at a time.
+/// Takes less than half a mebibyte whatever the stream holds, and never reads the whole of it at once: memory
+/// stays flat for the largest entry, and a stream that would grow beyond what was declared is given up at
+/// once. One object serves any number of streams, one after another. Any one thread at a time.
 class Inflater
 {
 public:
@@ -25,8 +25,9 @@ public:
     Inflater();
     Q_DISABLE_COPY_MOVE(Inflater)
 
-    /// Inflates the `compressedSize` bytes of `file` from `offset` on. True when they are exactly one stream, which holds
-    /// exactly `size` bytes. `sink` never gets more than `size` bytes, but may have got some before the answer is false.
+    /// Inflates the `compressedSize` bytes of `file` from `offset` on. True when they are exactly one stream,
+    /// which holds exactly `size` bytes. `sink` never gets more than `size` bytes, but may have got some
+    /// before the answer is false.
     bool inflate(QFile &file, qint64 offset, qint64 compressedSize, qint64 size, const Sink &sink);
 
 private:
@@ -61,7 +62,7 @@ private:
     static constexpr quint32 kDistanceWidth = 8;
     static constexpr quint32 kMetaWidth = 7;
 
-    std::array<quint32, 2048 + 144 * 16> lengthTable_{};   ///< room for 144 second tables of 4 bits
+    std::array<quint32, 2048 + 144 * 16> lengthTable_{};  ///< room for 144 second tables of 4 bits
     std::array<quint32, 256 + 16 * 128> distanceTable_{}; ///< room for 16 second tables of 7 bits
     std::array<quint32, 128> metaTable_{};
     std::array<quint8, 288 + 32> lengths_{};

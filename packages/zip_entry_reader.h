@@ -14,8 +14,8 @@ class ZipEntryReader
 public:
     /// Hands the bytes of `entry`, out of the archive in the open `file`, to `sink` piece by piece.
     ///
-    /// True when length and checksum are as declared. When the answer is false, what `sink` got is worth nothing; it
-    /// never gets more than the declared size.
+    /// True when length and checksum are as declared. When the answer is false, what `sink` got is worth
+    /// nothing; it never gets more than the declared size.
     bool read(QFile &file, const ZipEntry &entry, const Inflater::Sink &sink);
 
 private:

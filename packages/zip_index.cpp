@@ -18,26 +18,32 @@ namespace quillmar
 namespace
 {
 
-constexpr quint32 end_signature = 0x06054b50;
-constexpr quint32 central_signature = 0x02014b50;
-constexpr quint32 local_signature = 0x04034b50;
-constexpr qint64 end_length = 22;
-constexpr qint64 central_length = 46;
-constexpr qint64 local_length = 30;
-constexpr qint64 longest_comment = 0xffff;
+constexpr quint32 kEndSignature = 0x06054b50;
+constexpr quint32 kCentralSignature = 0x02014b50;
+constexpr quint32 kLocalSignature = 0x04034b50;
+constexpr qint64 kEndLength = 22;
+constexpr qint64 kCentralLength = 46;
+constexpr qint64 kLocalLength = 30;
+constexpr qint64 kLongestComment = 0xffff;
 
-constexpr int most_entries = 10000;
-constexpr quint32 largest_directory = 0x1000000;
-constexpr quint32 largest_entry = 0x20000000;
-constexpr qint64 largest_total = 2147483648;
+constexpr int kMostEntries = 10000;
+constexpr quint32 kLargestDirectory = 0x1000000;
+constexpr quint32 kLargestEntry = 0x20000000;
+constexpr qint64 kLargestTotal = 2147483648;
 
-constexpr quint16 flag_encrypted = 1U << 0;
-constexpr quint16 flag_descriptor = 1U << 3;
-constexpr quint16 method_stored = 0;
-constexpr quint16 method_deflated = 8;
+constexpr quint16 kFlagEncrypted = 1U << 0;
+constexpr quint16 kFlagDescriptor = 1U << 3;
+constexpr quint16 kMethodStored = 0;
+constexpr quint16 kMethodDeflated = 8;
 
-quint16 u16(const char *at) { return qFromLittleEndian<quint16>(at); }
-quint32 u32(const char *at) { return qFromLittleEndian<quint32>(at); }
+quint16 u16(const char *at)
+{
+    return qFromLittleEndian<quint16>(at);
+}
+quint32 u32(const char *at)
+{
+    return qFromLittleEndian<quint32>(at);
+}
 
 bool readAt(QFile &file, qint64 offset, char *to, qint64 length)
 {
@@ -76,12 +82,13 @@ struct Range {
     qint64 end = 0;
 };
 
-/// The last place whose comment ends exactly with the file; an earlier one is not looked for, whatever this one says.
+/// The last place whose comment ends exactly with the file; an earlier one is not looked for, whatever this
+/// one says.
 std::optional<qsizetype> endRecordIn(const QByteArray &tail)
 {
-    for (qsizetype at = tail.size() - end_length; at >= 0; --at) {
+    for (qsizetype at = tail.size() - kEndLength; at >= 0; --at) {
         const char *record = tail.constData() + at;
-        if (u32(record) == end_signature && at + end_length + u16(record + 20) == tail.size())
+        if (u32(record) == kEndSignature && at + kEndLength + u16(record + 20) == tail.size())
             return at;
     }
     return std::nullopt;
@@ -89,8 +96,8 @@ std::optional<qsizetype> endRecordIn(const QByteArray &tail)
 
 std::optional<EndRecord> readEndRecord(QFile &file)
 {
-    const qint64 tailLength = std::min(file.size(), end_length + longest_comment);
-    if (tailLength < end_length)
+    const qint64 tailLength = std::min(file.size(), kEndLength + kLongestComment);
+    if (tailLength < kEndLength)
         return std::nullopt;
     const qint64 tailOffset = file.size() - tailLength;
     const QByteArray tail = bytesAt(file, tailOffset, tailLength);
@@ -103,17 +110,17 @@ std::optional<EndRecord> readEndRecord(QFile &file)
     const quint32 directorySize = u32(record + 12);
     const EndRecord end{tailOffset + *at, entries, u32(record + 16)};
     const bool oneDisk = u16(record + 4) == 0 && u16(record + 6) == 0 && u16(record + 8) == entries;
-    const bool withinLimits = entries >= 1 && entries <= most_entries && directorySize <= largest_directory;
+    const bool withinLimits = entries >= 1 && entries <= kMostEntries && directorySize <= kLargestDirectory;
     const bool adjacent = end.directory_offset + directorySize == end.position;
     return oneDisk && withinLimits && adjacent ? std::optional(end) : std::nullopt;
 }
 
 std::optional<CentralRecord> readCentralRecord(QFile &file, qint64 position, qint64 directoryEnd)
 {
-    std::array<char, central_length> fixed;
+    std::array<char, kCentralLength> fixed;
     const char *record = fixed.data();
-    if (position + central_length > directoryEnd || !readAt(file, position, fixed.data(), central_length) ||
-        u32(record) != central_signature || u16(record + 34) != 0)
+    if (position + kCentralLength > directoryEnd || !readAt(file, position, fixed.data(), kCentralLength) ||
+        u32(record) != kCentralSignature || u16(record + 34) != 0)
         return std::nullopt;
     const quint16 nameLength = u16(record + 28);
     CentralRecord central{.host = qFromLittleEndian<quint8>(record + 5),
@@ -125,42 +132,43 @@ std::optional<CentralRecord> readCentralRecord(QFile &file, qint64 position, qin
                           .attributes = u32(record + 38),
                           .local_offset = u32(record + 42),
                           .name = {},
-                          .length = central_length + nameLength + u16(record + 30) + u16(record + 32)};
+                          .length = kCentralLength + nameLength + u16(record + 30) + u16(record + 32)};
     if (position + central.length > directoryEnd)
         return std::nullopt;
-    central.name = bytesAt(file, position + central_length, nameLength);
+    central.name = bytesAt(file, position + kCentralLength, nameLength);
     return central.name.size() == nameLength ? std::optional(central) : std::nullopt;
 }
 
 bool isSupported(const CentralRecord &central)
 {
-    return (central.flags & flag_encrypted) == 0 && central.size <= largest_entry &&
-           (central.method == method_stored || central.method == method_deflated);
+    return (central.flags & kFlagEncrypted) == 0 && central.size <= kLargestEntry &&
+           (central.method == kMethodStored || central.method == kMethodDeflated);
 }
 
 bool localAgrees(const char *local, const CentralRecord &central)
 {
-    if (u32(local) != local_signature || u16(local + 6) != central.flags ||
+    if (u32(local) != kLocalSignature || u16(local + 6) != central.flags ||
         u16(local + 8) != central.method || u16(local + 26) != central.name.size())
         return false;
-    return (central.flags & flag_descriptor) != 0 ||
+    return (central.flags & kFlagDescriptor) != 0 ||
            (u32(local + 14) == central.crc32 && u32(local + 18) == central.compressed_size &&
             u32(local + 22) == central.size);
 }
 
-/// Where the data of the entry begin; nothing when the local header does not agree or the data reach the directory.
+/// Where the data of the entry begin; nothing when the local header does not agree or the data reach the
+/// directory.
 std::optional<qint64> findData(QFile &file, const CentralRecord &central, qint64 directoryOffset)
 {
-    std::array<char, local_length> fixed;
+    std::array<char, kLocalLength> fixed;
     const char *local = fixed.data();
-    if (central.local_offset + local_length > directoryOffset ||
-        !readAt(file, central.local_offset, fixed.data(), local_length) || !localAgrees(local, central))
+    if (central.local_offset + kLocalLength > directoryOffset ||
+        !readAt(file, central.local_offset, fixed.data(), kLocalLength) || !localAgrees(local, central))
         return std::nullopt;
-    const qint64 nameEnd = central.local_offset + local_length + central.name.size();
+    const qint64 nameEnd = central.local_offset + kLocalLength + central.name.size();
     const qint64 data = nameEnd + u16(local + 28);
     if (data + central.compressed_size > directoryOffset)
         return std::nullopt;
-    const QByteArray name = bytesAt(file, central.local_offset + local_length, central.name.size());
+    const QByteArray name = bytesAt(file, central.local_offset + kLocalLength, central.name.size());
     return name == central.name ? std::optional(data) : std::nullopt;
 }
 
@@ -200,7 +208,8 @@ std::optional<ZipEntry::Kind> kindOf(const CentralRecord &central)
     return std::nullopt;
 }
 
-/// Remembers folded names by their hash and shares the names themselves: ten thousand long names are not kept twice.
+/// Remembers folded names by their hash and shares the names themselves: ten thousand long names are not kept
+/// twice.
 class SeenNames
 {
 public:
@@ -252,7 +261,7 @@ private:
     bool addEntry(const CentralRecord &central, qint64 directoryOffset)
     {
         total_ += central.size;
-        if (!isSupported(central) || total_ > largest_total)
+        if (!isSupported(central) || total_ > kLargestTotal)
             return false;
         const std::optional<qint64> data = findData(file_, central, directoryOffset);
         if (!data)
@@ -272,7 +281,7 @@ private:
         hasUnsafeEntry_ = path.isEmpty() || !kind || !names_.insert(path);
         if (hasUnsafeEntry_)
             return;
-        const bool stored = central.method == method_stored;
+        const bool stored = central.method == kMethodStored;
         entries_.append({.path = path,
                          .kind = *kind,
                          .method = stored ? ZipEntry::Method::Stored : ZipEntry::Method::Deflated,
@@ -292,6 +301,9 @@ private:
 
 } // namespace
 
-ZipIndex readZipIndex(QFile &file) { return Reader(file).read(); }
+ZipIndex readZipIndex(QFile &file)
+{
+    return Reader(file).read();
+}
 
 } // namespace quillmar

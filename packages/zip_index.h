@@ -27,7 +27,8 @@ struct ZipIndex {
     enum class Verdict {
         Sound,
         Malformed,   ///< the structure of the archive is refused
-        UnsafeEntry, ///< the structure is sound, but a name is unsafe or a duplicate, or an entry no file or directory
+        UnsafeEntry, ///< the structure is sound, but a name is unsafe or a duplicate, or an entry no file or
+                     ///< directory
     };
 
     Verdict verdict = Verdict::Malformed;
@@ -36,14 +37,15 @@ struct ZipIndex {
 
 /// Checks the structure of the archive in the open `file` and lists its entries.
 ///
-/// Nothing is repaired and nothing is searched for: one end record at the end of the file, one directory directly before
-/// it, local headers that repeat the directory's words, ranges that do not overlap and that start at the first byte.
-/// Refused besides: several disks, ZIP64, encryption, methods other than stored and deflated, more than 10,000 entries, a
-/// directory over 16 MiB, an entry over 512 MiB, over 2 GiB in all.
+/// Nothing is repaired and nothing is searched for: one end record at the end of the file, one directory
+/// directly before it, local headers that repeat the directory's words, ranges that do not overlap and that
+/// start at the first byte. Refused besides: several disks, ZIP64, encryption, methods other than stored and
+/// deflated, more than 10,000 entries, a directory over 16 MiB, an entry over 512 MiB, over 2 GiB in all.
 ///
-/// Names are read as UTF-8 whatever their flag says; bytes that are none become U+FFFD and a leading byte order mark is
-/// dropped, so names that differ only there are duplicates of each other. Duplicates are found after case folding.
-/// Reads headers only, never data. Any thread; moves the position of `file`, which is best opened unbuffered.
+/// Names are read as UTF-8 whatever their flag says; bytes that are none become U+FFFD and a leading byte
+/// order mark is dropped, so names that differ only there are duplicates of each other. Duplicates are found
+/// after case folding. Reads headers only, never data. Any thread; moves the position of `file`, which is
+/// best opened unbuffered.
 ZipIndex readZipIndex(QFile &file);
 
 } // namespace quillmar

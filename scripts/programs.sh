@@ -4,7 +4,7 @@
 # C++ files of the checkout that are not ignored, committed or not, as paths relative to it.
 cpp_files() {
     local path
-    git -C "$checkout" ls-files -z --cached --others --exclude-standard -- '*.cpp' '*.h' |
+    git -c "safe.directory=$checkout" -C "$checkout" ls-files -z --cached --others --exclude-standard -- '*.cpp' '*.h' |
         while IFS= read -r -d '' path; do
             [[ ! -f $checkout/$path ]] || printf '%s\n' "$path"
         done

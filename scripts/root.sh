@@ -13,7 +13,8 @@ ensure_root() {
     [[ -d $root ]] || make_root
 }
 
-# One process makes a root at a time; whoever comes second waits and finds it there.
+# One process makes a root at a time; whoever comes second waits and finds it there. All that the making starts inherits
+# the lock, so it is free only when nobody writes any more, however the first process ended.
 make_root() {
     mkdir -p -- "$cache"
     (
@@ -25,7 +26,7 @@ make_root() {
         remove_leftovers
         [[ -d $root ]] ||
             step "making the development root (once, about 2 GB in $cache)" "$cache/logs/setup.log" \
-                "$scripts/make_root.sh" "$root" 9>&-
+                "$scripts/make_root.sh" "$root"
     )
 }
 

@@ -24,7 +24,7 @@ run_tests() { # PRESET PATTERN
     [[ -z $pattern ]] || selection+=(--tests-regex "$pattern")
     printf 'testing %s ... ' "$preset" >&2
     sandbox --unshare-ipc \
-        --setenv TSAN_OPTIONS "suppressions=/src/tests/tsan.supp history_size=7" \
+        --setenv TSAN_OPTIONS "suppressions=/src/tests/tsan.supp ignore_noninstrumented_modules=1 history_size=7" \
         --setenv ASAN_OPTIONS "detect_stack_use_after_return=1 strict_string_checks=1" \
         --setenv UBSAN_OPTIONS print_stacktrace=1 \
         -- ctest --test-dir "build/$preset" --parallel "$(nproc)" --no-tests=error --verbose "${selection[@]}" \

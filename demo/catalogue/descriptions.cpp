@@ -37,6 +37,13 @@ QJsonObject toJson(const ProductText &product)
             {u"components"_s, product.components}};
 }
 
+QString mimeOf(const QString &path)
+{
+    const QString suffix = path.section(u'.', -1);
+    const bool isClip = suffix == "mp4"_L1 || suffix == "webm"_L1;
+    return (isClip ? u"video/"_s : u"image/"_s) + (suffix == "jpg"_L1 ? u"jpeg"_s : suffix);
+}
+
 QJsonObject picture(const QString &address, const QString &label, const QString &fallback)
 {
     return {{u"url"_s, address}, {u"fallback_url"_s, fallback}, {u"revision"_s, u"1"_s}, {u"label"_s, label}};

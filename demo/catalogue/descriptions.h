@@ -44,6 +44,9 @@ struct ProductText {
 QJsonObject toJson(const ComponentText &component);
 QJsonObject toJson(const ProductText &product);
 
+/// MIME type of a picture or clip, by its suffix.
+QString mimeOf(const QString &path);
+
 /// One element of a gallery.
 QJsonObject picture(const QString &address, const QString &label, const QString &fallback = {});
 

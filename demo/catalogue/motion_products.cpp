@@ -57,110 +57,141 @@ QImage showMoment(QImage (*draw)(QSize, qreal), qreal time)
     return showOverlay(draw(kHd, time));
 }
 
+QJsonObject stingerComponent(const QString &name, const QString &path, int point, int order,
+                             const QString &shown)
+{
+    return toJson(ComponentText{.key = u"stinger-%1"_s.arg(order + 1),
+                                .name = name,
+                                .assetPath = path,
+                                .mime = mimeOf(path),
+                                .insertMode = u"stinger_transition"_s,
+                                .sourceType = u"media"_s,
+                                .transitionPoint = point,
+                                .sortOrder = order,
+                                .gallery = {picture(shown, name)}});
+}
+
 void makeStingers(Workshop &workshop)
 {
     const QString key = u"pulse-stingers"_s;
-    workshop.addClip(key, u"stingers/blades.webm"_s, stinger(drawBladeStinger));
-    workshop.addClip(key, u"stingers/tiles.webm"_s, stinger(drawTileStinger));
-    workshop.pack(key, u"pulse-stingers.zip"_s, Archiver::InfoZip);
+    const QString file = u"pulse-stingers.zip"_s;
+    const QString blades = u"stingers/blades.webm"_s;
+    const QString tiles = u"stingers/tiles.webm"_s;
+    workshop.addClip(key, blades, stinger(drawBladeStinger));
+    workshop.addClip(key, tiles, stinger(drawTileStinger));
+    workshop.pack(key, file, Archiver::InfoZip);
     const QImage half = showMoment(drawBladeStinger, 0.2);
     const QImage full = showMoment(drawBladeStinger, 0.5);
-    const QImage tiles = showMoment(drawTileStinger, 0.23);
+    const QImage wall = showMoment(drawTileStinger, 0.23);
     const QString cover =
-        workshop.addPreview(u"pulse-cover.png"_s, showPack(half, full, tiles, u"Pulse Stingers"_s));
-    const QString blades = workshop.addPreview(u"pulse-blades.jpg"_s, half);
-    const QString grid = workshop.addPreview(u"pulse-tiles.webp"_s, tiles);
-    const auto component = [](const QString &name, const QString &path, int point, int order,
-                              const QString &shown) {
-        return toJson(ComponentText{.key = name.toLower(),
-                                    .name = name,
-                                    .assetPath = path,
-                                    .mime = u"video/webm"_s,
-                                    .insertMode = u"stinger_transition"_s,
-                                    .sourceType = u"media"_s,
-                                    .transitionPoint = point,
-                                    .sortOrder = order,
-                                    .gallery = {picture(shown, name)}});
-    };
+        workshop.addPreview(u"pulse-cover.png"_s, showPack(half, full, wall, u"Pulse Stingers"_s));
+    const QString bladesShown = workshop.addPreview(u"pulse-blades.jpg"_s, half);
+    const QString tilesShown = workshop.addPreview(u"pulse-tiles.webp"_s, wall);
     workshop.addProduct(toJson(ProductText{
         .key = key,
         .version = u"1.2.0"_s,
         .name = u"Pulse – Stinger Transitions"_s,
         .description = u"Two quick stingers with a clear middle: slanted blades and a wall of tiles."_s,
         .category = u"Stingers"_s,
-        .fileName = u"pulse-stingers.zip"_s,
+        .fileName = file,
         .mime = u"application/zip"_s,
-        .gallery = {picture(cover, u"Cover"_s), picture(blades, u"Blades"_s), picture(grid, u"Tiles"_s)},
-        .components = {
-            component(u"Blades"_s, u"stingers/blades.webm"_s, 600, 0, blades),
-            component(u"Tiles"_s, u"stingers/tiles.webm"_s, 600, 1, grid),
-            component(u"Tiles, point far too late"_s, u"stingers/tiles.webm"_s, 500'000, 2, grid),
-            component(u"Blades, point before the start"_s, u"stingers/blades.webm"_s, -40, 3, blades)}}));
+        .gallery = {picture(cover, u"Cover"_s), picture(bladesShown, u"Blades"_s),
+                    picture(tilesShown, u"Tiles"_s)},
+        .components = {stingerComponent(u"Blades"_s, blades, 600, 0, bladesShown),
+                       stingerComponent(u"Tiles"_s, tiles, 600, 1, tilesShown),
+                       stingerComponent(u"Tiles, point far too late"_s, tiles, 500'000, 2, tilesShown),
+                       stingerComponent(u"Blades, point before the start"_s, blades, -40, 3, bladesShown)}}));
+}
+
+/// One clip of the motion set, its component and its preview.
+struct Part {
+    QString path;
+    QString name;
+    QString mode;
+    QString preview;
+    int order = 0;
+    Clip clip;
+    QImage shown;
+};
+
+QList<Part> motionParts()
+{
+    const auto drawSparksFrame = [](qreal time) { return drawSparks(kHd, time); };
+    return {{u"frames/pulse.webm"_s,
+             u"Breathing frame"_s,
+             u"webcam_frame"_s,
+             u"living-light-frame.png"_s,
+             2,
+             {.size = kCamera, .frames = 50, .transparent = true, .drawFrame = drawPulsingFrame},
+             showFrame(drawPulsingFrame(0.5))},
+            {u"scenes/countdown.mp4"_s,
+             u"Countdown"_s,
+             u"fullscreen_scene"_s,
+             u"living-light-countdown.jpg"_s,
+             0,
+             {.size = kHd, .frames = 75, .drawFrame = drawCountdown},
+             showScene(drawCountdown(0.6))},
+            {u"loops/sparks.webm"_s,
+             u"Rising sparks"_s,
+             u"overlay"_s,
+             u"living-light-sparks.webp"_s,
+             1,
+             {.size = kHd, .frames = 50, .transparent = true, .drawFrame = drawSparksFrame},
+             showOverlay(drawSparksFrame(0.4))},
+            {u"loops/aurora.mp4"_s,
+             u"Aurora backdrop"_s,
+             u"overlay"_s,
+             u"living-light-loop.jpg"_s,
+             3,
+             {.size = kHd, .frames = 75, .drawFrame = drawLoop},
+             showScene(drawLoop(0.4))}};
+}
+
+QJsonObject motionComponent(const Part &part, const QString &address)
+{
+    const bool isFrame = part.mode == "webcam_frame"_L1;
+    return toJson(ComponentText{.key = part.path.section(u'/', -1).section(u'.', 0, 0),
+                                .name = part.name,
+                                .assetPath = part.path,
+                                .mime = mimeOf(part.path),
+                                .insertMode = part.mode,
+                                .sourceType = u"media"_s,
+                                .position = isFrame ? u"bottom_left"_s : QString(),
+                                .loop = part.mode != "fullscreen_scene"_L1,
+                                .width = isFrame ? 480 : 0,
+                                .height = isFrame ? 270 : 0,
+                                .sortOrder = part.order,
+                                .gallery = {picture(address, part.name)}});
 }
 
 void makeLoops(Workshop &workshop)
 {
     const QString key = u"living-light"_s;
-    workshop.addClip(key, u"loops/aurora.mp4"_s,
-                     {.size = kHd, .framesPerSecond = 25, .frames = 75, .drawFrame = drawLoop});
-    workshop.addClip(
-        key, u"loops/sparks.webm"_s,
-        {.size = kHd, .framesPerSecond = 25, .frames = 50, .transparent = true, .drawFrame = [](qreal time) {
-             return drawSparks(kHd, time);
-         }});
-    workshop.addClip(key, u"frames/pulse.webm"_s,
-                     {.size = kCamera,
-                      .framesPerSecond = 25,
-                      .frames = 50,
-                      .transparent = true,
-                      .drawFrame = drawPulsingFrame});
-    workshop.addClip(key, u"scenes/countdown.mp4"_s,
-                     {.size = kHd, .framesPerSecond = 25, .frames = 75, .drawFrame = drawCountdown});
-    workshop.pack(key, u"living-light.zip"_s, Archiver::SevenZip);
-    const QImage loop = showScene(drawLoop(0.4));
-    const QImage sparks = showOverlay(drawSparks(kHd, 0.4));
-    const QImage frame = showFrame(drawPulsingFrame(0.5));
-    const QImage countdown = showScene(drawCountdown(0.6));
-    const QString cover = workshop.addPreview(u"living-light-cover.jpg"_s,
-                                              showPack(frame, countdown, sparks, u"Living Light"_s));
-    const QString loopAddress = workshop.addPreview(u"living-light-loop.jpg"_s, loop);
-    const QString sparksAddress = workshop.addPreview(u"living-light-sparks.webp"_s, sparks);
-    const QString frameAddress = workshop.addPreview(u"living-light-frame.png"_s, frame);
-    const QString countdownAddress = workshop.addPreview(u"living-light-countdown.jpg"_s, countdown);
-    const auto media = [](const QString &name, const QString &path, const QString &mode, bool loops,
-                          int order, const QString &shown) {
-        return toJson(ComponentText{.key = path.section(u'/', -1).section(u'.', 0, 0),
-                                    .name = name,
-                                    .assetPath = path,
-                                    .mime = path.endsWith(".mp4"_L1) ? u"video/mp4"_s : u"video/webm"_s,
-                                    .insertMode = mode,
-                                    .sourceType = u"media"_s,
-                                    .position = mode == "webcam_frame"_L1 ? u"bottom_left"_s : QString(),
-                                    .loop = loops,
-                                    .width = mode == "webcam_frame"_L1 ? 480 : 0,
-                                    .height = mode == "webcam_frame"_L1 ? 270 : 0,
-                                    .sortOrder = order,
-                                    .gallery = {picture(shown, name)}});
-    };
+    const QString file = u"living-light.zip"_s;
+    const QList<Part> parts = motionParts();
+    QJsonArray gallery;
+    QJsonArray components;
+    for (const Part &part : parts) {
+        workshop.addClip(key, part.path, part.clip);
+        const QString address = workshop.addPreview(part.preview, part.shown);
+        gallery.append(picture(address, part.name));
+        components.append(motionComponent(part, address));
+    }
+    workshop.pack(key, file, Archiver::SevenZip);
+    const QImage cover = showPack(parts.at(0).shown, parts.at(1).shown, parts.at(2).shown, u"Living Light"_s);
+    gallery.prepend(picture(workshop.addPreview(u"living-light-cover.jpg"_s, cover), u"Cover"_s));
     workshop.addProduct(toJson(ProductText{
         .key = key,
         .version = u"0.9.4"_s,
         .name = u"Living Light – Motion Set"_s,
         .description =
-            u"Moving light for every layer: an endless backdrop, rising sparks, a breathing camera frame and "
-            u"a countdown scene."_s,
+            u"Moving light for every layer: an endless backdrop, rising sparks, a breathing camera frame "
+            u"and a countdown scene."_s,
         .category = u"Motion"_s,
-        .fileName = u"living-light.zip"_s,
+        .fileName = file,
         .mime = u"application/zip"_s,
-        .gallery = {picture(cover, u"Cover"_s), picture(loopAddress, u"Backdrop"_s),
-                    picture(sparksAddress, u"Sparks"_s), picture(frameAddress, u"Camera frame"_s),
-                    picture(countdownAddress, u"Countdown"_s)},
-        .components = {
-            media(u"Aurora backdrop"_s, u"loops/aurora.mp4"_s, u"overlay"_s, true, 3, loopAddress),
-            media(u"Rising sparks"_s, u"loops/sparks.webm"_s, u"overlay"_s, true, 1, sparksAddress),
-            media(u"Breathing frame"_s, u"frames/pulse.webm"_s, u"webcam_frame"_s, true, 2, frameAddress),
-            media(u"Countdown"_s, u"scenes/countdown.mp4"_s, u"fullscreen_scene"_s, false, 0,
-                  countdownAddress)}}));
+        .gallery = gallery,
+        .components = components}));
 }
 
 /// A package that is no archive: its one component is the clip itself.

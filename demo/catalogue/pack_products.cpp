@@ -21,42 +21,70 @@ void addIcons(Workshop &workshop, const QString &key)
         workshop.addPicture(key, u"icons/sign-%1.png"_s.arg(sign + 1), drawIcon(sign, 160));
 }
 
-void makeOverlayPack(Workshop &workshop)
+struct Graphic {
+    QString path;
+    QString name;
+    QString preview;
+    int order = 0;
+    QImage image;
+    QImage shown;
+};
+
+QList<Graphic> overlayGraphics()
 {
-    const QString key = u"neon-garden-overlays"_s;
     const QImage match = drawMatchOverlay();
     const QImage plate = drawLowerThird(kPlate, u"Mina Rostami"_s, u"CASTER"_s);
     const QImage chat = drawChatBox();
     const QImage goal = drawGoalCard(u"Follower goal"_s, u"8,420 / 10,000"_s, 0.842);
-    workshop.addPicture(key, u"overlays/match.png"_s, match);
-    workshop.addPicture(key, u"overlays/lower-third.webp"_s, plate);
-    workshop.addPicture(key, u"overlays/chat.png"_s, chat);
-    workshop.addPicture(key, u"overlays/goal.jpg"_s, goal);
+    return {{u"overlays/lower-third.webp"_s, u"Lower third"_s, u"neon-garden-plate.webp"_s, 2, plate,
+             showOnStage(plate)},
+            {u"overlays/match.png"_s, u"Match overlay"_s, u"neon-garden-match.jpg"_s, 1, match,
+             showOverlay(match)},
+            {u"overlays/goal.jpg"_s, u"Goal card"_s, u"neon-garden-goal.jpg"_s, 2, goal, showOnStage(goal)},
+            {u"overlays/chat.png"_s, u"Chat box"_s, u"neon-garden-chat.png"_s, 2, chat, showOnStage(chat)}};
+}
+
+QJsonObject overlayComponent(const Graphic &graphic, const QString &address)
+{
+    return toJson(ComponentText{.key = graphic.path.section(u'/', -1).section(u'.', 0, 0),
+                                .name = graphic.name,
+                                .assetPath = graphic.path,
+                                .mime = mimeOf(graphic.path),
+                                .insertMode = u"overlay"_s,
+                                .sourceType = u"image"_s,
+                                .sortOrder = graphic.order,
+                                .gallery = {picture(address, graphic.name)}});
+}
+
+QJsonObject iconFolder()
+{
+    return toJson(ComponentText{.key = u"icons"_s,
+                                .name = u"Icons (folder)"_s,
+                                .assetPath = u"icons"_s,
+                                .insertMode = u"overlay"_s,
+                                .sourceType = u"image"_s,
+                                .assetKind = u"folder"_s,
+                                .sortOrder = 9});
+}
+
+void makeOverlayPack(Workshop &workshop)
+{
+    const QString key = u"neon-garden-overlays"_s;
+    const QString file = u"neon-garden-overlays.zip"_s;
+    const QList<Graphic> graphics = overlayGraphics();
+    QJsonArray gallery;
+    QJsonArray components{iconFolder()};
+    for (const Graphic &graphic : graphics) {
+        workshop.addPicture(key, graphic.path, graphic.image);
+        const QString address = workshop.addPreview(graphic.preview, graphic.shown);
+        gallery.append(picture(address, graphic.name));
+        components.append(overlayComponent(graphic, address));
+    }
     addIcons(workshop, key);
-    workshop.pack(key, u"neon-garden-overlays.zip"_s, Archiver::InfoZip);
-
-    const QImage matchShown = showOverlay(match);
-    const QImage plateShown = showOnStage(plate);
-    const QImage chatShown = showOnStage(chat);
-    const QImage goalShown = showOnStage(goal);
-    const QString cover = workshop.addPreview(u"neon-garden-cover.png"_s,
-                                              showPack(plateShown, matchShown, goalShown, u"Neon Garden"_s));
-    const QString matchAddress = workshop.addPreview(u"neon-garden-match.jpg"_s, matchShown);
-    const QString plateAddress = workshop.addPreview(u"neon-garden-plate.webp"_s, plateShown);
-    const QString chatAddress = workshop.addPreview(u"neon-garden-chat.png"_s, chatShown);
-    const QString goalAddress = workshop.addPreview(u"neon-garden-goal.jpg"_s, goalShown);
-
-    const auto overlay = [](const QString &name, const QString &path, const QString &mime, int order,
-                            const QString &shown) {
-        return toJson(ComponentText{.key = path.section(u'/', -1).section(u'.', 0, 0),
-                                    .name = name,
-                                    .assetPath = path,
-                                    .mime = mime,
-                                    .insertMode = u"overlay"_s,
-                                    .sourceType = u"image"_s,
-                                    .sortOrder = order,
-                                    .gallery = {picture(shown, name)}});
-    };
+    workshop.pack(key, file, Archiver::InfoZip);
+    const QImage cover =
+        showPack(graphics.at(0).shown, graphics.at(1).shown, graphics.at(2).shown, u"Neon Garden"_s);
+    gallery.prepend(picture(workshop.addPreview(u"neon-garden-cover.png"_s, cover), u"Cover"_s));
     workshop.addProduct(toJson(ProductText{
         .key = key,
         .version = u"2.1.0"_s,
@@ -65,23 +93,10 @@ void makeOverlayPack(Workshop &workshop)
             u"A calm, dark set for competitive streams: match bar with ticker, lower third, chat box, "
             u"goal card and six round icons."_s,
         .category = u"Overlays"_s,
-        .fileName = u"neon-garden-overlays.zip"_s,
+        .fileName = file,
         .mime = u"application/zip"_s,
-        .gallery = {picture(cover, u"Cover"_s), picture(matchAddress, u"Match overlay"_s),
-                    picture(plateAddress, u"Lower third"_s), picture(chatAddress, u"Chat box"_s),
-                    picture(goalAddress, u"Goal card"_s)},
-        .components = {
-            overlay(u"Chat box"_s, u"overlays/chat.png"_s, u"image/png"_s, 2, chatAddress),
-            overlay(u"Match overlay"_s, u"overlays/match.png"_s, u"image/png"_s, 1, matchAddress),
-            overlay(u"Lower third"_s, u"overlays/lower-third.webp"_s, u"image/webp"_s, 2, plateAddress),
-            overlay(u"Goal card"_s, u"overlays/goal.jpg"_s, u"image/jpeg"_s, 2, goalAddress),
-            toJson(ComponentText{.key = u"icons"_s,
-                                 .name = u"Icons (folder)"_s,
-                                 .assetPath = u"icons"_s,
-                                 .insertMode = u"overlay"_s,
-                                 .sourceType = u"image"_s,
-                                 .assetKind = u"folder"_s,
-                                 .sortOrder = 9})}}));
+        .gallery = gallery,
+        .components = components}));
 }
 
 struct FrameText {
@@ -92,45 +107,57 @@ struct FrameText {
     int variant = 0;
 };
 
+QList<FrameText> frameTexts()
+{
+    return {{u"frames/round.png"_s, u"Round, bottom right"_s, u"bottom_right"_s, {480, 270}, 0},
+            {u"frames/square.png"_s, u"Square, bottom left"_s, u"bottom_left"_s, {480, 270}, 1},
+            {u"frames/brackets.webp"_s, u"Brackets, top right"_s, u"top_right"_s, {640, 360}, 2},
+            {u"frames/stage.png"_s, u"Stage, centre"_s, u"center"_s, {1280, 720}, 3},
+            {u"frames/default.png"_s, u"Default size and place"_s, QString(), {0, 0}, 0},
+            {u"frames/corner.png"_s, u"Place of its own"_s, u"top_left"_s, {400, 225}, 2},
+            {u"frames/huge.png"_s, u"Larger than any canvas"_s, u"center"_s, {9000, 5000}, 1}};
+}
+
+QImage drawFrame(const FrameText &frame, bool named)
+{
+    const bool isDrawable = frame.size.width() > 0 && frame.size.width() <= 1920;
+    const QSize size = isDrawable ? frame.size * 2 : QSize(960, 540);
+    return drawWebcamFrame(size, named ? u"MINA"_s : QString(), frame.variant);
+}
+
+QJsonObject frameComponent(const FrameText &frame, int order, const QString &address)
+{
+    return toJson(ComponentText{.key = frame.path.section(u'/', -1),
+                                .name = frame.name,
+                                .assetPath = frame.path,
+                                .mime = mimeOf(frame.path),
+                                .insertMode = u"webcam_frame"_s,
+                                .sourceType = u"image"_s,
+                                .position = frame.position,
+                                .width = frame.size.width(),
+                                .height = frame.size.height(),
+                                .sortOrder = order,
+                                .variant = u"Variant %1"_s.arg(frame.variant + 1),
+                                .gallery = {picture(address, frame.name)}});
+}
+
 void makeFramePack(Workshop &workshop)
 {
     const QString key = u"aurora-webcam-frames"_s;
-    const QList<FrameText> frames{
-        {u"frames/round.png"_s, u"Round, bottom right"_s, u"bottom_right"_s, {480, 270}, 0},
-        {u"frames/square.png"_s, u"Square, bottom left"_s, u"bottom_left"_s, {480, 270}, 1},
-        {u"frames/brackets.webp"_s, u"Brackets, top right"_s, u"top_right"_s, {640, 360}, 2},
-        {u"frames/stage.png"_s, u"Stage, centre"_s, u"center"_s, {1280, 720}, 3},
-        {u"frames/default.png"_s, u"Default size and place"_s, QString(), {0, 0}, 0},
-        {u"frames/corner.png"_s, u"Place of its own"_s, u"top_left"_s, {400, 225}, 2},
-        {u"frames/huge.png"_s, u"Larger than any canvas"_s, u"center"_s, {9000, 5000}, 1},
-    };
+    const QString file = u"aurora-webcam-frames.zip"_s;
     QJsonArray components;
     QJsonArray gallery;
     QList<QImage> shown;
-    for (const FrameText &frame : frames) {
-        const QSize drawn =
-            frame.size.width() < 1 || frame.size.width() > 1920 ? QSize(960, 540) : frame.size * 2;
-        const QImage image =
-            drawWebcamFrame(drawn, shown.size() % 2 == 0 ? u"MINA"_s : QString(), frame.variant);
+    for (const FrameText &frame : frameTexts()) {
+        const QImage image = drawFrame(frame, shown.size() % 2 == 0);
         workshop.addPicture(key, frame.path, image);
         shown.append(showFrame(image));
-        const QString pictureName = u"aurora-%1.jpg"_s.arg(frame.path.section(u'/', -1).section(u'.', 0, 0));
-        const QString address = workshop.addPreview(pictureName, shown.last());
+        const QString name = frame.path.section(u'/', -1).section(u'.', 0, 0);
+        const QString address = workshop.addPreview(u"aurora-%1.jpg"_s.arg(name), shown.last());
         gallery.append(picture(address, frame.name));
-        components.append(toJson(ComponentText{.key = frame.path.section(u'/', -1),
-                                               .name = frame.name,
-                                               .assetPath = frame.path,
-                                               .mime = u"image/png"_s,
-                                               .insertMode = u"webcam_frame"_s,
-                                               .sourceType = u"image"_s,
-                                               .position = frame.position,
-                                               .width = frame.size.width(),
-                                               .height = frame.size.height(),
-                                               .sortOrder = int(components.size()),
-                                               .variant = u"Variant %1"_s.arg(frame.variant + 1),
-                                               .gallery = {picture(address, frame.name)}}));
+        components.append(frameComponent(frame, int(components.size()), address));
     }
-    workshop.pack(key, u"aurora-webcam-frames.zip"_s, Archiver::SevenZip);
+    workshop.pack(key, file, Archiver::SevenZip);
     const QImage cover = showPack(shown.at(1), shown.at(0), shown.at(2), u"Aurora Frames"_s);
     gallery.prepend(picture(workshop.addPreview(u"aurora-cover.webp"_s, cover), u"Cover"_s));
     workshop.addProduct(toJson(ProductText{
@@ -140,7 +167,7 @@ void makeFramePack(Workshop &workshop)
         .description =
             u"Glowing borders for the camera, one for each corner and one for the middle of the stage."_s,
         .category = u"Webcam frames"_s,
-        .fileName = u"aurora-webcam-frames.zip"_s,
+        .fileName = file,
         .mime = u"application/zip"_s,
         .gallery = gallery,
         .components = components}));

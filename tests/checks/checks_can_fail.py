@@ -95,6 +95,7 @@ class BrokenCopy(unittest.TestCase):
         result = run("exports.py", Path(sys.executable).resolve())
         self.assertEqual(result.returncode, 1)
         self.assertIn("obs_module_load is not exported", result.stdout)
+        self.assertIn("PyObject_Call is exported", result.stdout)
 
     def test_module_itself_is_green(self):
         self.assertEqual(run("exports.py", MODULE).returncode, 0)

@@ -111,9 +111,9 @@ bool DockRobot::choose(const Choice &combo, const QString &text)
         return box && box->text == text;
     };
     const auto clickRow = [&] {
-        if (chosen())
-            return true;
         const WidgetTree popup(driver_.ask(u"widgets"_s, {{u"of"_s, u"popup"_s}}).toArray());
+        if (popup.isEmpty() && chosen())
+            return true;
         for (const Widget &view : popup.all()) {
             for (const Widget::Row &row : view.rows) {
                 if (row.text == text)
@@ -122,6 +122,8 @@ bool DockRobot::choose(const Choice &combo, const QString &text)
         }
         return false;
     };
+    if (chosen())
+        return true;
     return click(combo, u"the list with "_s + text) &&
            (waitUntil(clickRow) || fail(u"cannot choose "_s + text));
 }

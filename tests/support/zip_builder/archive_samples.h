@@ -20,8 +20,8 @@ struct GoodArchive {
     QMap<QString, QByteArray> files;
 };
 
-/// The small good archive that most others are spoiled from: "pack/", "pack/wanted.txt" (deflated) and "pack/other.bin"
-/// (stored), in this order.
+/// The small good archive that most others are spoiled from: "pack/", "pack/wanted.txt" (deflated) and
+/// "pack/other.bin" (stored), in this order.
 ZipBuilder baseArchive();
 
 /// Archives with a flaw in their structure.

@@ -5,9 +5,9 @@ namespace quillmar::test
 namespace
 {
 
-constexpr qsizetype wanted = 1;
-constexpr qsizetype other = 2;
-constexpr quint32 mebibyte = 1U << 20;
+constexpr qsizetype kWanted = 1;
+constexpr qsizetype kOther = 2;
+constexpr quint32 kMebibyte = 1U << 20;
 
 SampleArchive spoiled(const QByteArray &name, const std::function<void(ZipBuilder &)> &spoil)
 {
@@ -17,7 +17,7 @@ SampleArchive spoiled(const QByteArray &name, const std::function<void(ZipBuilde
 }
 
 SampleArchive recordChanged(const char *name, const std::function<void(CentralHeader &)> &change,
-                            qsizetype item = wanted)
+                            qsizetype item = kWanted)
 {
     return spoiled(name, [&](ZipBuilder &builder) { builder.items[item].central = change; });
 }
@@ -26,12 +26,16 @@ QList<SampleArchive> fields()
 {
     return {
         recordChanged("wrong directory signature", [](CentralHeader &c) { ++c.signature; }),
-        recordChanged("directory signature of a local header", [](CentralHeader &c) { c.signature = 0x04034b50; }),
+        recordChanged("directory signature of a local header",
+                      [](CentralHeader &c) { c.signature = 0x04034b50; }),
         recordChanged("entry disk 1", [](CentralHeader &c) { c.disk = 1; }),
         recordChanged("entry disk 65535", [](CentralHeader &c) { c.disk = 65535; }),
-        recordChanged("name overruns by one", [](CentralHeader &c) { ++c.name_length; }, other),
-        recordChanged("extra overruns by one", [](CentralHeader &c) { ++c.extra_length; }, other),
-        recordChanged("comment overruns by one", [](CentralHeader &c) { ++c.comment_length; }, other),
+        recordChanged(
+            "name overruns by one", [](CentralHeader &c) { ++c.name_length; }, kOther),
+        recordChanged(
+            "extra overruns by one", [](CentralHeader &c) { ++c.extra_length; }, kOther),
+        recordChanged(
+            "comment overruns by one", [](CentralHeader &c) { ++c.comment_length; }, kOther),
         recordChanged("name overruns by far", [](CentralHeader &c) { c.name_length = 0xffff; }),
         recordChanged("extra overruns by far", [](CentralHeader &c) { c.extra_length = 0xffff; }),
         recordChanged("comment overruns by far", [](CentralHeader &c) { c.comment_length = 0xffff; }),
@@ -67,13 +71,15 @@ QList<SampleArchive> refusedMethods()
     QList<SampleArchive> archives;
     for (const int method : {1, 2, 3, 4, 5, 6, 7, 9, 10, 12, 14, 19, 20, 93, 95, 96, 97, 98, 99, 65535}) {
         archives.append(spoiled("method " + QByteArray::number(method), [method](ZipBuilder &b) {
-            b.items[wanted].local = [method](LocalHeader &l) { l.method = static_cast<quint16>(method); };
-            b.items[wanted].central = [method](CentralHeader &c) { c.method = static_cast<quint16>(method); };
+            b.items[kWanted].local = [method](LocalHeader &l) { l.method = static_cast<quint16>(method); };
+            b.items[kWanted].central = [method](CentralHeader &c) {
+                c.method = static_cast<quint16>(method);
+            };
         }));
     }
     archives.append(spoiled("unsupported method elsewhere", [](ZipBuilder &b) {
-        b.items[other].local = [](LocalHeader &l) { l.method = 12; };
-        b.items[other].central = [](CentralHeader &c) { c.method = 12; };
+        b.items[kOther].local = [](LocalHeader &l) { l.method = 12; };
+        b.items[kOther].central = [](CentralHeader &c) { c.method = 12; };
     }));
     return archives;
 }
@@ -98,7 +104,7 @@ SampleArchive declaredSizes(const char *name, const QList<quint32> &sizes)
 QList<SampleArchive> sizes()
 {
     // The base archive declares 900 bytes itself.
-    const quint32 largest = 512 * mebibyte;
+    const quint32 largest = 512 * kMebibyte;
     return {
         declaredSizes("plain size 512 MiB + 1", {largest + 1}),
         declaredSizes("plain size 0xFFFFFFFF", {0xffffffff}),
@@ -107,20 +113,20 @@ QList<SampleArchive> sizes()
         spoiled("ZIP64 sizes",
                 [](ZipBuilder &b) {
                     const QByteArray extra = QByteArray("\x01\0\x10\0", 4) + QByteArray(16, '\x01');
-                    ZipItem &item = b.items[wanted];
+                    ZipItem &item = b.items[kWanted];
                     item.local_extra = item.central_extra = extra;
                     item.local = [](LocalHeader &l) { l.size = l.compressed_size = 0xffffffff; };
                     item.central = [](CentralHeader &c) { c.size = c.compressed_size = 0xffffffff; };
                 }),
         spoiled("ZIP64 sizes, local only",
                 [](ZipBuilder &b) {
-                    ZipItem &item = b.items[wanted];
+                    ZipItem &item = b.items[kWanted];
                     item.local_extra = QByteArray("\x01\0\x10\0", 4) + QByteArray(16, '\x01');
                     item.local = [](LocalHeader &l) { l.size = l.compressed_size = 0xffffffff; };
                 }),
         spoiled("ZIP64 offset",
                 [](ZipBuilder &b) {
-                    ZipItem &item = b.items[wanted];
+                    ZipItem &item = b.items[kWanted];
                     item.central_extra = QByteArray("\x01\0\x08\0", 4) + QByteArray(8, '\0');
                     item.central = [](CentralHeader &c) { c.local_offset = 0xffffffff; };
                 }),
@@ -140,8 +146,8 @@ SampleArchive tooManyEntries()
 QList<SampleArchive> archivesWithBadDirectory()
 {
     return fields() + offsets() +
-           QList<SampleArchive>{encrypted("encrypted entry requested", wanted),
-                                encrypted("encrypted entry not requested", other), tooManyEntries()} +
+           QList<SampleArchive>{encrypted("encrypted entry requested", kWanted),
+                                encrypted("encrypted entry not requested", kOther), tooManyEntries()} +
            refusedMethods() + sizes();
 }
 

@@ -68,8 +68,10 @@ QList<SampleArchive> cutAndExtended()
 QList<SampleArchive> endFields()
 {
     return {
-        endChanged("declared comment length -1", [](EndHeader &e) { e.comment = "abc", e.comment_length = 2; }),
-        endChanged("declared comment length +1", [](EndHeader &e) { e.comment = "abc", e.comment_length = 4; }),
+        endChanged("declared comment length -1",
+                   [](EndHeader &e) { e.comment = "abc", e.comment_length = 2; }),
+        endChanged("declared comment length +1",
+                   [](EndHeader &e) { e.comment = "abc", e.comment_length = 4; }),
         endChanged("this disk 1", [](EndHeader &e) { e.disk = 1; }),
         endChanged("directory disk 1", [](EndHeader &e) { e.directory_disk = 1; }),
         endChanged("counts differ, less here", [](EndHeader &e) { --e.entries_here; }),

@@ -5,8 +5,8 @@ namespace quillmar::test
 namespace
 {
 
-constexpr qsizetype wanted = 1;
-constexpr qsizetype other = 2;
+constexpr qsizetype kWanted = 1;
+constexpr qsizetype kOther = 2;
 
 SampleArchive spoiled(const char *name, const std::function<void(ZipBuilder &)> &spoil)
 {
@@ -16,7 +16,7 @@ SampleArchive spoiled(const char *name, const std::function<void(ZipBuilder &)> 
 }
 
 SampleArchive localChanged(const char *name, const std::function<void(LocalHeader &)> &change,
-                           qsizetype item = wanted)
+                           qsizetype item = kWanted)
 {
     return spoiled(name, [&](ZipBuilder &builder) { builder.items[item].local = change; });
 }
@@ -32,7 +32,7 @@ SampleArchive nameChanged(const char *name, const QByteArray &local)
 SampleArchive compressedSizeIs(const char *name, const std::function<quint32(quint32)> &size)
 {
     return spoiled(name, [&](ZipBuilder &builder) {
-        ZipItem &item = builder.items[other];
+        ZipItem &item = builder.items[kOther];
         item.local = [=](LocalHeader &l) { l.compressed_size = size(l.compressed_size); };
         item.central = [=](CentralHeader &c) { c.compressed_size = size(c.compressed_size); };
     });
@@ -44,17 +44,18 @@ QList<SampleArchive> disagreements()
         localChanged("local signature", [](LocalHeader &l) { ++l.signature; }),
         localChanged("UTF-8 flag local only", [](LocalHeader &l) { l.flags = 0x800; }),
         spoiled("UTF-8 flag central only",
-                [](ZipBuilder &b) { b.items[wanted].central = [](CentralHeader &c) { c.flags = 0x800; }; }),
+                [](ZipBuilder &b) { b.items[kWanted].central = [](CentralHeader &c) { c.flags = 0x800; }; }),
         localChanged("encrypted local only", [](LocalHeader &l) { l.flags = 1; }),
         localChanged("descriptor flag local only", [](LocalHeader &l) { l.flags = 8; }),
         spoiled("descriptor flag central only",
-                [](ZipBuilder &b) { b.items[wanted].central = [](CentralHeader &c) { c.flags = 8; }; }),
+                [](ZipBuilder &b) { b.items[kWanted].central = [](CentralHeader &c) { c.flags = 8; }; }),
         localChanged("method differs", [](LocalHeader &l) { l.method = 0; }),
         localChanged("checksum differs", [](LocalHeader &l) { ++l.crc32; }),
         localChanged("checksum zero without the flag", [](LocalHeader &l) { l.crc32 = 0; }),
         localChanged("compressed size differs", [](LocalHeader &l) { ++l.compressed_size; }),
         localChanged("plain size differs", [](LocalHeader &l) { --l.size; }),
-        localChanged("flaw in an entry not requested", [](LocalHeader &l) { ++l.size; }, other),
+        localChanged(
+            "flaw in an entry not requested", [](LocalHeader &l) { ++l.size; }, kOther),
         nameChanged("local name of the same length", "pack/wanted.exe"),
         nameChanged("local name in another case", "pack/Wanted.txt"),
         nameChanged("local name shorter", "pack/wanted.tx"),
@@ -67,11 +68,14 @@ QList<SampleArchive> disagreements()
 QList<SampleArchive> reachingTooFar()
 {
     return {
-        localChanged("local name reaches into the directory", [](LocalHeader &l) { l.name_length = 0xffff; }, other),
-        localChanged("local extra pushes data into the directory",
-                     [](LocalHeader &l) { l.extra_length = 0xffff; }, other),
-        localChanged("local extra ends one byte inside the directory",
-                     [](LocalHeader &l) { l.extra_length = 1; }, other),
+        localChanged(
+            "local name reaches into the directory", [](LocalHeader &l) { l.name_length = 0xffff; }, kOther),
+        localChanged(
+            "local extra pushes data into the directory", [](LocalHeader &l) { l.extra_length = 0xffff; },
+            kOther),
+        localChanged(
+            "local extra ends one byte inside the directory", [](LocalHeader &l) { l.extra_length = 1; },
+            kOther),
         compressedSizeIs("data end one byte inside the directory", [](quint32 size) { return size + 1; }),
         compressedSizeIs("compressed size huge", [](quint32) { return 0x7fffffffU; }),
         compressedSizeIs("compressed size negative", [](quint32) { return 0x80000000U; }),
@@ -82,9 +86,8 @@ QList<SampleArchive> reachingTooFar()
 SampleArchive twoOnOneHeader()
 {
     return spoiled("two entries on one local header", [](ZipBuilder &b) {
-        b.items.insert(2, b.items[wanted]);
-        const quint32 first = 30 + 5;
-        b.items[2].central = [first](CentralHeader &c) { c.local_offset = first; };
+        b.items.insert(2, b.items[kWanted]);
+        b.items[2].central = [](CentralHeader &c) { c.local_offset = 30 + 5; }; // behind "pack/"
     });
 }
 
@@ -102,7 +105,7 @@ SampleArchive entryInsideEntry()
 SampleArchive overlapByOneByte()
 {
     return spoiled("two entries overlapping by one byte", [](ZipBuilder &b) {
-        ZipItem &item = b.items[wanted];
+        ZipItem &item = b.items[kWanted];
         item.local = [](LocalHeader &l) { ++l.compressed_size; };
         item.central = [](CentralHeader &c) { ++c.compressed_size; };
     });

@@ -44,7 +44,8 @@ QList<SampleArchive> checksums()
         stored("checksum zero, stored", [](ZipItem &i) { declareCrc(i, 0); }),
         wanted("checksum zero, deflated", [](ZipItem &i) { declareCrc(i, 0); }),
         stored("flipped bit, stored", [](ZipItem &i) { i.data = flipped(i.content, 100); }),
-        stored("flipped last bit, stored", [](ZipItem &i) { i.data = flipped(i.content, i.content.size() - 1); }),
+        stored("flipped last bit, stored",
+               [](ZipItem &i) { i.data = flipped(i.content, i.content.size() - 1); }),
         wanted("flipped bit, deflated", [](ZipItem &i) { i.data = flipped(deflated(i.content), 20); }),
         wanted("flipped bit in a stored block",
                [](ZipItem &i) { i.data = flipped(deflated(i.content, 0), 50); }),
@@ -52,7 +53,10 @@ QList<SampleArchive> checksums()
 }
 
 /// A fixed block that begins with a match of three bytes at distance one.
-QByteArray matchBeforeStart() { return QByteArray("\x03\x02\x00", 3); }
+QByteArray matchBeforeStart()
+{
+    return QByteArray("\x03\x02\x00", 3);
+}
 
 QList<SampleArchive> streams()
 {
@@ -109,6 +113,9 @@ QList<SampleArchive> lengths()
 
 } // namespace
 
-QList<SampleArchive> archivesWithDamagedData() { return checksums() + streams() + lengths(); }
+QList<SampleArchive> archivesWithDamagedData()
+{
+    return checksums() + streams() + lengths();
+}
 
 } // namespace quillmar::test

@@ -67,7 +67,9 @@ QList<GoodArchive> layouts()
         base("ignored fields",
              [](ZipBuilder &b) {
                  b.items[1].local = [](LocalHeader &l) { l.version_needed = 63, l.time = 1, l.date = 0; };
-                 b.items[1].central = [](CentralHeader &c) { c.version_needed = 45, c.internal_attributes = 1; };
+                 b.items[1].central = [](CentralHeader &c) {
+                     c.version_needed = 45, c.internal_attributes = 1;
+                 };
              }),
     };
 }
@@ -124,18 +126,18 @@ QList<GoodArchive> contents()
     storedBlocks.data = deflated(storedBlocks.content, 0);
     return {
         holding("empty files", {fileItem("pack/stored", {}), deflatedItem("pack/deflated", {})}),
-        holding("signatures inside data",
-                {fileItem("pack/a", baseArchive().build()), fileItem("pack/b", zipOf({}) + "PK\1\2PK\3\4PK\5\6")}),
+        holding("signatures inside data", {fileItem("pack/a", baseArchive().build()),
+                                           fileItem("pack/b", zipOf({}) + "PK\1\2PK\3\4PK\5\6")}),
         holding("stored, fixed and dynamic blocks",
                 {storedBlocks, deflatedItem("pack/fixed", "aaaaaaaaaaaaaaaaaaaa"),
                  deflatedItem("pack/dynamic", text() + noise(3000) + text())}),
         holding("long runs", {deflatedItem("pack/zeros", QByteArray(300000, '\0')),
                               deflatedItem("pack/pattern", QByteArray("abcdefg").repeated(30000))}),
-        holding("larger than one piece",
-                {fileItem("pack/stored", noise((1 << 20) + 1)),
-                 deflatedItem("pack/deflated", noise((1 << 20) + 1, 2))}),
-        holding("macOS extras", {fileItem("pack/a.png", "png"), folderItem("__MACOSX/"),
-                                 fileItem("__MACOSX/pack/._a.png", "fork"), fileItem("pack/.DS_Store", "store")}),
+        holding("larger than one piece", {fileItem("pack/stored", noise((1 << 20) + 1)),
+                                          deflatedItem("pack/deflated", noise((1 << 20) + 1, 2))}),
+        holding("macOS extras",
+                {fileItem("pack/a.png", "png"), folderItem("__MACOSX/"),
+                 fileItem("__MACOSX/pack/._a.png", "fork"), fileItem("pack/.DS_Store", "store")}),
     };
 }
 
@@ -151,7 +153,8 @@ QList<GoodArchive> names()
         holding("sharp s and ss", {fileItem("pack/\xc3\x9f"), fileItem("pack/ss")}),
         holding("name of 1,024 units", {fileItem(longest)}),
         holding("leading dots", {fileItem("pack/.hidden/a"), fileItem("pack/..b"), fileItem("pack/...c")}),
-        holding("nearly device names", {fileItem("pack/console"), fileItem("pack/con1"), fileItem("pack/com10")}),
+        holding("nearly device names",
+                {fileItem("pack/console"), fileItem("pack/con1"), fileItem("pack/com10")}),
         holding("many dots and blanks", {fileItem("pack/ a. b"), fileItem("pack/a..b")}),
         holding("file beside a folder of nearly its name", {fileItem("pack/a"), fileItem("pack/a.b/c")}),
     };
@@ -165,6 +168,9 @@ ZipBuilder baseArchive()
                       fileItem("pack/other.bin", noise(300))}};
 }
 
-QList<GoodArchive> goodArchives() { return layouts() + kinds() + contents() + names(); }
+QList<GoodArchive> goodArchives()
+{
+    return layouts() + kinds() + contents() + names();
+}
 
 } // namespace quillmar::test

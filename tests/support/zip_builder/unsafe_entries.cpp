@@ -110,7 +110,9 @@ QList<SampleArchive> duplicates()
         pair("Cyrillic", "\xd0\xb6.txt", "\xd0\x96.txt"),
         pair("Deseret", "\xf0\x90\x90\x80.txt", "\xf0\x90\x90\xa8.txt"),
         pair("micro sign", "\xc2\xb5.txt", "\xce\xbc.txt"),
-        pair("byte order mark", "b.txt", "\xef\xbb\xbf" "b.txt"),
+        pair("byte order mark", "b.txt",
+             "\xef\xbb\xbf"
+             "b.txt"),
         pair("bytes that are no UTF-8", "a\xff.txt", "a\xfe.txt"),
     };
 }
@@ -134,7 +136,8 @@ QList<SampleArchive> links()
     return {
         with("link to a file", {linkItem("link", "pack/wanted.txt")}),
         {"requested entry is a link", requested.build()},
-        with("link to a folder, then a file through it", {linkItem("link", "/tmp"), fileItem("link/evil.txt")}),
+        with("link to a folder, then a file through it",
+             {linkItem("link", "/tmp"), fileItem("link/evil.txt")}),
         with("chained links", {linkItem("one", "two"), linkItem("two", "/etc")}),
         {"link as the only entry", zipOf({linkItem("link", "/etc/passwd")})},
         with("deflated link", {deflatedLink}),
@@ -149,7 +152,8 @@ QList<SampleArchive> unknownKinds()
 {
     QList<SampleArchive> archives;
     for (const int host : {1, 2, 4, 5, 7, 8, 9, 12, 13, 15, 16, 17, 18, 19, 20, 255})
-        archives.append(with("host " + QByteArray::number(host), {hosted("file.txt", static_cast<quint8>(host), 0100644U << 16)}));
+        archives.append(with("host " + QByteArray::number(host),
+                             {hosted("file.txt", static_cast<quint8>(host), 0100644U << 16)}));
     return archives;
 }
 

@@ -74,8 +74,14 @@ QByteArray bytesOf(const EndHeader &header)
     return bytes + header.comment;
 }
 
-quint16 length16(const QByteArray &bytes) { return static_cast<quint16>(bytes.size()); }
-quint32 length32(const QByteArray &bytes) { return static_cast<quint32>(bytes.size()); }
+quint16 length16(const QByteArray &bytes)
+{
+    return static_cast<quint16>(bytes.size());
+}
+quint32 length32(const QByteArray &bytes)
+{
+    return static_cast<quint32>(bytes.size());
+}
 
 LocalHeader localHeader(const ZipItem &item, const QByteArray &data)
 {
@@ -173,21 +179,30 @@ QByteArray dataDescriptor(const QByteArray &content, qsizetype compressedSize, b
     return bytes;
 }
 
-ZipItem fileItem(const QByteArray &name, const QByteArray &content) { return {.name = name, .content = content}; }
+ZipItem fileItem(const QByteArray &name, const QByteArray &content)
+{
+    return {.name = name, .content = content};
+}
 
 ZipItem deflatedItem(const QByteArray &name, const QByteArray &content)
 {
     return {.name = name, .content = content, .deflated = true};
 }
 
-ZipItem folderItem(const QByteArray &name) { return {.name = name, .content = {}, .mode = 040755}; }
+ZipItem folderItem(const QByteArray &name)
+{
+    return {.name = name, .content = {}, .mode = 040755};
+}
 
 ZipItem linkItem(const QByteArray &name, const QByteArray &to)
 {
     return {.name = name, .content = to, .mode = 0120777};
 }
 
-QByteArray zipOf(const QList<ZipItem> &items) { return ZipBuilder{.items = items}.build(); }
+QByteArray zipOf(const QList<ZipItem> &items)
+{
+    return ZipBuilder{.items = items}.build();
+}
 
 QByteArray noise(qsizetype length, quint32 seed)
 {

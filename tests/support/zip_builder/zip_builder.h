@@ -9,7 +9,8 @@
 namespace quillmar::test
 {
 
-/// The records of a ZIP archive, field by field. The builder fills them in; a test then changes what it likes.
+/// The records of a ZIP archive, field by field. The builder fills them in; a test then changes what it
+/// likes.
 struct LocalHeader {
     quint32 signature = 0x04034b50;
     quint16 version_needed = 20;
@@ -72,10 +73,10 @@ struct ZipItem {
     QByteArray local_extra = {};
     QByteArray central_extra = {};
     QByteArray comment = {};
-    QByteArray gap = {};                               ///< bytes before the local header
-    QByteArray trailer = {};                           ///< bytes after the data, such as a data descriptor
-    std::optional<QByteArray> data = {};               ///< what stands in the archive instead of the right data
-    std::function<void(LocalHeader &)> local = {};     ///< last word on the local header
+    QByteArray gap = {};                           ///< bytes before the local header
+    QByteArray trailer = {};                       ///< bytes after the data, such as a data descriptor
+    std::optional<QByteArray> data = {};           ///< what stands in the archive instead of the right data
+    std::function<void(LocalHeader &)> local = {}; ///< last word on the local header
     std::function<void(CentralHeader &)> central = {}; ///< last word on the record in the directory
 };
 
@@ -83,9 +84,9 @@ struct ZipItem {
 struct ZipBuilder {
     QList<ZipItem> items = {};
     QByteArray comment = {};
-    QByteArray prefix = {};                                 ///< bytes before the first entry; offsets count them
-    QByteArray after_directory = {};                        ///< bytes between the directory and the end record
-    bool directory_reversed = false;                        ///< the directory lists the entries from the last one on
+    QByteArray prefix = {};          ///< bytes before the first entry; offsets count them
+    QByteArray after_directory = {}; ///< bytes between the directory and the end record
+    bool directory_reversed = false; ///< the directory lists the entries from the last one on
     std::function<void(QByteArray &)> directory_bytes = {}; ///< last word on the bytes of the directory
     std::function<void(EndHeader &)> end = {};              ///< last word on the end record
 

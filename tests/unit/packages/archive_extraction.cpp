@@ -59,8 +59,8 @@ void failsWith(const ProductFileResult &result, const QString &key)
 
 QByteArray frames()
 {
-    return zipOf({fileItem("frames/a.png", "a"), fileItem("frames/b/c.png", "c"), fileItem("framesX/d.png", "d"),
-                  fileItem("frames.txt", "t")});
+    return zipOf({fileItem("frames/a.png", "a"), fileItem("frames/b/c.png", "c"),
+                  fileItem("framesX/d.png", "d"), fileItem("frames.txt", "t")});
 }
 
 } // namespace
@@ -184,7 +184,8 @@ void ArchiveExtractionTest::sameContentIsNotRewritten()
     QVERIFY(folder.extractFolder(u"pack"_s).isOk());
     const auto idOf = [&](const QString &path) {
         struct stat status{};
-        const bool known = stat(QFile::encodeName(folder.components() + u'/' + path).constData(), &status) == 0;
+        const bool known =
+            stat(QFile::encodeName(folder.components() + u'/' + path).constData(), &status) == 0;
         return known ? status.st_ino : 0;
     };
     const auto wanted = idOf(u"pack/wanted.txt"_s);

@@ -54,7 +54,10 @@ void failsWith(const ProductFileResult &result, const QString &key)
     QVERIFY(result.path.isEmpty());
 }
 
-void removePackage(const ExtractionFolder &folder) { QFile::remove(folder.packagePath()); }
+void removePackage(const ExtractionFolder &folder)
+{
+    QFile::remove(folder.packagePath());
+}
 
 void replaceByFolder(const ExtractionFolder &folder)
 {
@@ -105,8 +108,8 @@ void ArchiveFailuresTest::packagePathElsewhere_data()
     QTest::newRow("empty") << Path([](const ExtractionFolder &) { return QString(); });
     QTest::newRow("outside the root")
         << Path([](const ExtractionFolder &folder) { return QString(folder.root() + u"/../neighbour.txt"); });
-    QTest::newRow("another file in the root")
-        << Path([](const ExtractionFolder &folder) { return QString(folder.root() + u"/other-product/file.txt"); });
+    QTest::newRow("another file in the root") << Path(
+        [](const ExtractionFolder &folder) { return QString(folder.root() + u"/other-product/file.txt"); });
     QTest::newRow("not cleaned") << Path([](const ExtractionFolder &folder) {
         return folder.packagePath().replace(u"/product"_s, u"/./product"_s);
     });
@@ -128,15 +131,17 @@ void ArchiveFailuresTest::packagePathElsewhere()
     const auto before = folder.snapshot();
     const QString elsewhere = path(folder);
     QVERIFY(elsewhere != folder.packagePath());
-    failsWith(extractPackage(folder.root(), folder.product, elsewhere, std::nullopt), u"Component.UnsafePath"_s);
+    failsWith(extractPackage(folder.root(), folder.product, elsewhere, std::nullopt),
+              u"Component.UnsafePath"_s);
     QVERIFY(folder.snapshot() == before);
 }
 
 void ArchiveFailuresTest::unsafeFileName_data()
 {
     QTest::addColumn<QString>("name");
-    const QStringList names{QString(), u"sub/Pack.zip"_s, u"sub\\Pack.zip"_s, u"/Pack.zip"_s, u"..\\Pack.zip"_s,
-                            u".."_s,   u"nul.zip"_s,      u"Pack.zip."_s,     u"a:b.zip"_s,   u"Pack\n.zip"_s};
+    const QStringList names{QString(),         u"sub/Pack.zip"_s, u"sub\\Pack.zip"_s, u"/Pack.zip"_s,
+                            u"..\\Pack.zip"_s, u".."_s,           u"nul.zip"_s,       u"Pack.zip."_s,
+                            u"a:b.zip"_s,      u"Pack\n.zip"_s};
     for (const QString &name : names)
         QTest::addRow("%s", name.toUtf8().toPercentEncoding().constData()) << name;
 }
@@ -155,9 +160,9 @@ void ArchiveFailuresTest::unsafeFileName()
 void ArchiveFailuresTest::unsafeAsset_data()
 {
     QTest::addColumn<QString>("asset");
-    const QStringList assets{QString(),  u"/"_s,       u"../a"_s,    u"/abs"_s,     u"a/../b"_s, u"a//b"_s,
-                             u"C:/x"_s,  u"a\\..\\b"_s, u"con.png"_s, u"a/b. "_s,    u"a."_s,     u"a?"_s,
-                             u"a\tb"_s, u"./a"_s,     QString(1025, u'a')};
+    const QStringList assets{QString(), u"/"_s,    u"../a"_s,     u"/abs"_s,    u"a/../b"_s,
+                             u"a//b"_s, u"C:/x"_s, u"a\\..\\b"_s, u"con.png"_s, u"a/b. "_s,
+                             u"a."_s,   u"a?"_s,   u"a\tb"_s,     u"./a"_s,     QString(1025, u'a')};
     for (const QString &asset : assets)
         QTest::addRow("%s", asset.left(40).toUtf8().toPercentEncoding().constData()) << asset;
 }

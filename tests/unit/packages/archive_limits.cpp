@@ -89,6 +89,18 @@ QByteArray archiveWithDirectoryOf(qint64 size)
     return builder.build();
 }
 
+/// `item` holds 48 MiB of noise; twice that would not fit into the allowance.
+void staysSmall(const ZipItem &item)
+{
+    ExtractionFolder folder;
+    folder.storePackage(zipOf({item}));
+    ProductFileResult result;
+    const qint64 grown = growth([&] { result = folder.extractFile(QString::fromUtf8(item.name)); });
+    QCOMPARE(result.error, QString());
+    QVERIFY2(grown >= 0 && grown <= 32, qPrintable(QString::number(grown)));
+    QVERIFY(contentOf(result.path) == item.content);
+}
+
 } // namespace
 
 /// Archives at the very limits, memory, bombs and full disks.
@@ -128,10 +140,10 @@ void ArchiveLimitsTest::tenThousandDeepEntries()
 {
     ZipBuilder builder;
     for (int i = 0; i < 10000; ++i)
-        builder.items.append(fileItem(QByteArray::number(i) + "/" + QByteArray("a/").repeated(500) + "b", {}));
+        builder.items.append(fileItem(QByteArray::number(i) + "/" + QByteArray("a/").repeated(60) + "b", {}));
     ExtractionFolder folder;
     folder.storePackage(builder.build());
-    const QString path = u"7/"_s + u"a/"_s.repeated(500) + u"b"_s;
+    const QString path = u"7/"_s + u"a/"_s.repeated(60) + u"b"_s;
     QCOMPARE(folder.extractFile(path).error, QString());
     QCOMPARE(folder.extractFile(path).error, QString());
 }
@@ -161,9 +173,9 @@ void ArchiveLimitsTest::largestDeclaredEntry()
 void ArchiveLimitsTest::largestDeclaredTotal()
 {
     ExtractionFolder folder;
-    folder.storePackage(zipOf({declaring("1", 512 * kMebi), declaring("2", 512 * kMebi),
-                               declaring("3", 512 * kMebi), declaring("4", 512 * kMebi - 5),
-                               fileItem("small", "small")}));
+    folder.storePackage(
+        zipOf({declaring("1", 512 * kMebi), declaring("2", 512 * kMebi), declaring("3", 512 * kMebi),
+               declaring("4", 512 * kMebi - 5), fileItem("small", "small")}));
     QCOMPARE(contentOf(folder.extractFile(u"small"_s).path), QByteArray("small"));
 }
 
@@ -191,23 +203,14 @@ void ArchiveLimitsTest::largestEntryInLittleMemory()
 
 void ArchiveLimitsTest::incompressibleEntryInLittleMemory()
 {
-    ExtractionFolder folder;
-    folder.storePackage(zipOf({deflatedItem("pack/noise", noise(96 * kMebi))}));
-    ProductFileResult result;
-    const qint64 grown = growth([&] { result = folder.extractFile(u"pack/noise"_s); });
-    QCOMPARE(result.error, QString());
-    QVERIFY2(grown >= 0 && grown <= 32, qPrintable(QString::number(grown)));
-    QVERIFY(contentOf(result.path) == noise(96 * kMebi));
+    ZipItem item = deflatedItem("pack/noise", noise(48 * kMebi));
+    item.data = deflated(item.content, 0);
+    staysSmall(item);
 }
 
 void ArchiveLimitsTest::storedEntryInLittleMemory()
 {
-    ExtractionFolder folder;
-    folder.storePackage(zipOf({fileItem("pack/noise", noise(96 * kMebi))}));
-    ProductFileResult result;
-    const qint64 grown = growth([&] { result = folder.extractFile(u"pack/noise"_s); });
-    QCOMPARE(result.error, QString());
-    QVERIFY2(grown >= 0 && grown <= 32, qPrintable(QString::number(grown)));
+    staysSmall(fileItem("pack/noise", noise(48 * kMebi)));
 }
 
 void ArchiveLimitsTest::bombThatDeclaresOneByte()
@@ -241,7 +244,8 @@ void ArchiveLimitsTest::fullDisk_data()
     for (const QString &asset : {u"pack/wanted.txt"_s, u"pack/other.bin"_s}) {
         const qint64 size = asset.endsWith(u"txt") ? 600 : 300;
         for (const qint64 limit : {qint64{0}, qint64{1}, size - 1})
-            QTest::addRow("%s after %lld bytes", qPrintable(asset), static_cast<long long>(limit)) << asset << limit;
+            QTest::addRow("%s after %lld bytes", qPrintable(asset), static_cast<long long>(limit))
+                << asset << limit;
     }
 }
 

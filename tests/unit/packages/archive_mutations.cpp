@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-constexpr int samples_per_archive = 7000;
+constexpr int kSamplesPerArchive = 7000;
 
 ZipBuilder described()
 {
@@ -67,7 +67,7 @@ void ArchiveMutationsTest::singleByteNeverGivesOtherContent()
                            u"Component.FileMissing"_s, u"Download.SaveFailed"_s};
 
     QRandomGenerator random(20240607);
-    for (int i = 0; i < samples_per_archive; ++i) {
+    for (int i = 0; i < kSamplesPerArchive; ++i) {
         QByteArray changed = archive;
         const auto at = random.bounded(archive.size());
         changed[at] = static_cast<char>(changed[at] ^ static_cast<char>(random.bounded(1, 256)));
@@ -92,7 +92,8 @@ void ArchiveMutationsTest::twoBytesNeverLeaveTheFolder()
     }
     auto after = folder.snapshot();
     after.removeIf([](const auto &entry) {
-        return entry.key().startsWith(u"Quillmar/pack/") || entry.key().startsWith(u"Quillmar/.quillmar-cache/");
+        return entry.key().startsWith(u"Quillmar/pack/") ||
+               entry.key().startsWith(u"Quillmar/.quillmar-cache/");
     });
     QCOMPARE(after.keys(), (QStringList{u"Quillmar/"_s, u"Quillmar/other-product/"_s,
                                         u"Quillmar/other-product/file.txt"_s, u"neighbour.txt"_s}));

@@ -127,17 +127,21 @@ void ArchiveToolsTest::refuses_data()
     row("zip, ZIP64 forced", u"zip -qr -fz out.zip pack"_s, invalid);
     row("zip, link kept", u"ln -s /etc/passwd pack/link && zip -qry out.zip pack"_s, unsafe);
     row("zip, bzip2", u"zip -qr -Z bzip2 out.zip pack"_s, invalid);
-    row("zip, self-extractor", u"zip -qr good.zip pack && cat /bin/true good.zip > out.zip && zip -qA out.zip"_s,
-        invalid);
+    row("zip, self-extractor",
+        u"zip -qr good.zip pack && cat /bin/true good.zip > out.zip && zip -qA out.zip"_s, invalid);
     row("7z, LZMA", u"7z a -tzip -mm=LZMA out.zip pack >/dev/null"_s, invalid);
     row("7z, encrypted", u"7z a -tzip -psecret -mem=AES256 out.zip pack >/dev/null"_s, invalid);
     row("7z, another format", u"7z a -t7z out.zip pack >/dev/null"_s, invalid);
     row("bsdtar, into a pipe", u"bsdtar -c --format=zip pack | cat > out.zip"_s, invalid);
     row("bsdtar, another format", u"bsdtar -c --format=ustar -f out.zip pack"_s, invalid);
-    row("python, unsafe name", u"python3 -c \"import zipfile; "
-                               "zipfile.ZipFile('out.zip','w').writestr('../evil.txt','x')\""_s, unsafe);
-    row("python, name twice", u"python3 -W ignore -c \"import zipfile; z=zipfile.ZipFile('out.zip','w'); "
-                              "z.writestr('pack/text.txt','x'); z.writestr('pack/text.txt','y')\""_s, unsafe);
+    row("python, unsafe name",
+        u"python3 -c \"import zipfile; "
+        "zipfile.ZipFile('out.zip','w').writestr('../evil.txt','x')\""_s,
+        unsafe);
+    row("python, name twice",
+        u"python3 -W ignore -c \"import zipfile; z=zipfile.ZipFile('out.zip','w'); "
+        "z.writestr('pack/text.txt','x'); z.writestr('pack/text.txt','y')\""_s,
+        unsafe);
 }
 
 void ArchiveToolsTest::refuses()

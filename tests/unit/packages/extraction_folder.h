@@ -27,12 +27,18 @@ public:
     void putComponent(const QString &path, const QByteArray &bytes) const;
 
     ProductFileResult extractWhole() const;
-    ProductFileResult extractFile(const QString &asset) const { return extract(asset, QStringLiteral("file")); }
-    ProductFileResult extractFolder(const QString &asset) const { return extract(asset, QStringLiteral("folder")); }
+    ProductFileResult extractFile(const QString &asset) const
+    {
+        return extract(asset, QStringLiteral("file"));
+    }
+    ProductFileResult extractFolder(const QString &asset) const
+    {
+        return extract(asset, QStringLiteral("folder"));
+    }
     ProductFileResult extract(const QString &asset, const QString &kind) const;
 
-    /// Everything in the temporary folder, the root's neighbours included: paths with content, folders ending with '/',
-    /// links with their target.
+    /// Everything in the temporary folder, the root's neighbours included: paths with content, folders ending
+    /// with '/', links with their target.
     QMap<QString, QByteArray> snapshot() const;
 
     /// Files below "Components", paths with content.

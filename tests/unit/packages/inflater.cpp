@@ -71,14 +71,16 @@ QByteArray mixed(qsizetype length, quint32 seed)
 QByteArray byPython(const QByteArray &plain, const QString &strategy)
 {
     QProcess python;
-    python.start(u"python3"_s,
-                 {u"-c"_s, QString(u"import sys, zlib\n"
-                                   "c = zlib.compressobj(6, zlib.DEFLATED, -15, 9, zlib."_s +
-                                   strategy +
-                                   u")\nsys.stdout.buffer.write(c.compress(sys.stdin.buffer.read()) + c.flush())"_s)});
+    python.start(
+        u"python3"_s,
+        {u"-c"_s, QString(u"import sys, zlib\n"
+                          "c = zlib.compressobj(6, zlib.DEFLATED, -15, 9, zlib."_s +
+                          strategy +
+                          u")\nsys.stdout.buffer.write(c.compress(sys.stdin.buffer.read()) + c.flush())"_s)});
     python.write(plain);
     python.closeWriteChannel();
-    return python.waitForFinished(30000) && python.exitCode() == 0 ? python.readAllStandardOutput() : QByteArray();
+    return python.waitForFinished(30000) && python.exitCode() == 0 ? python.readAllStandardOutput()
+                                                                   : QByteArray();
 }
 
 } // namespace
@@ -108,9 +110,12 @@ void InflaterTest::everyLevel_data()
     QTest::addColumn<QByteArray>("plain");
     QTest::addColumn<int>("level");
     const QList<std::pair<const char *, QByteArray>> contents{
-        {"nothing", {}},           {"one byte", "a"},
-        {"zeros", QByteArray(500000, '\0')}, {"noise", noise(500000)},
-        {"mixed", mixed(700000, 7)}, {"pattern of 7", QByteArray("abcdefg").repeated(50000)},
+        {"nothing", {}},
+        {"one byte", "a"},
+        {"zeros", QByteArray(500000, '\0')},
+        {"noise", noise(500000)},
+        {"mixed", mixed(700000, 7)},
+        {"pattern of 7", QByteArray("abcdefg").repeated(50000)},
     };
     for (const auto &[name, plain] : contents) {
         for (const int level : {0, 1, 3, 6, 9, 12})
@@ -144,8 +149,8 @@ void InflaterTest::lengthsAroundThePieces()
     const QByteArray plain = noise(length);
     QVERIFY(inflated(inflater, deflated(zeros), length) == zeros);
     QVERIFY(inflated(inflater, deflated(plain, 0), length) == plain);
-    QVERIFY(inflated(inflater, deflated(plain.first(length / 3) + plain.first(length / 3), 9), length / 3 * 2) ==
-            plain.first(length / 3) + plain.first(length / 3));
+    QVERIFY(inflated(inflater, deflated(plain.first(length / 3) + plain.first(length / 3), 9),
+                     length / 3 * 2) == plain.first(length / 3) + plain.first(length / 3));
 }
 
 void InflaterTest::otherStrategies_data()
@@ -172,7 +177,8 @@ void InflaterTest::wrongSizes()
     Inflater inflater;
     const QByteArray plain = mixed(300000, 5);
     const QByteArray stream = deflated(plain);
-    for (const qsizetype size : {qsizetype{0}, qsizetype{1}, plain.size() - 1, plain.size() + 1, plain.size() * 2})
+    for (const qsizetype size :
+         {qsizetype{0}, qsizetype{1}, plain.size() - 1, plain.size() + 1, plain.size() * 2})
         QVERIFY(!inflated(inflater, stream, size));
     QVERIFY(!inflated(inflater, stream + '\0', plain.size()));
     QVERIFY(!inflated(inflater, {}, 0));
@@ -186,25 +192,29 @@ void InflaterTest::everyCutIsRefused()
         const QByteArray plain = mixed(1500, 5);
         const QByteArray stream = deflated(plain, level);
         for (qsizetype length = 0; length < stream.size(); ++length)
-            QVERIFY2(!inflated(inflater, stream.first(length), plain.size()), qPrintable(QString::number(length)));
+            QVERIFY2(!inflated(inflater, stream.first(length), plain.size()),
+                     qPrintable(QString::number(length)));
     }
 }
 
+/// Not the other way round: libdeflate also takes code words that an incomplete code does not have.
 void InflaterTest::damagedStreamsAsTheReference()
 {
     Inflater inflater;
     QRandomGenerator random(11);
-    int sound = 0;
+    int refused = 0;
     for (int i = 0; i < 4000; ++i) {
         const QByteArray plain = mixed(random.bounded(1, 3000), random.generate());
-        QByteArray stream = deflated(plain, random.bounded(13));
+        const QByteArray good = deflated(plain, random.bounded(13));
+        QByteArray stream = good;
         for (int change = random.bounded(3); change > 0; --change)
             stream[random.bounded(stream.size())] = static_cast<char>(random.bounded(256));
         const auto ours = inflated(inflater, stream, plain.size());
-        QVERIFY(ours == reference(stream, plain.size()));
-        sound += ours ? 1 : 0;
+        QVERIFY(stream != good || ours == plain);
+        QVERIFY(!ours || ours == reference(stream, plain.size()));
+        refused += ours ? 0 : 1;
     }
-    QVERIFY(sound > 1000);
+    QVERIFY(refused > 500);
 }
 
 void InflaterTest::noiseAsTheReference()
@@ -214,14 +224,16 @@ void InflaterTest::noiseAsTheReference()
     for (int i = 0; i < 4000; ++i) {
         const QByteArray stream = noise(random.bounded(1, 120), random.generate());
         const qsizetype size = random.bounded(300);
-        QVERIFY(!inflated(inflater, stream, size) || reference(stream, size));
+        const auto ours = inflated(inflater, stream, size);
+        QVERIFY(!ours || ours == reference(stream, size));
     }
 }
 
 void InflaterTest::farthestMatch()
 {
     Inflater inflater;
-    const QByteArray plain = noise(32768) + noise(32768).first(300) + noise(300000, 2) + noise(300000, 2).last(32768);
+    const QByteArray plain =
+        noise(32768) + noise(32768).first(300) + noise(300000, 2) + noise(300000, 2).last(32768);
     QVERIFY(inflated(inflater, deflated(plain, 12), plain.size()) == plain);
 }
 

@@ -145,7 +145,8 @@ void ZipIndexTest::kinds_data()
     QTest::addColumn<int>("host");
     QTest::addColumn<quint32>("attributes");
     QTest::addColumn<Kind>("kind");
-    const auto row = [](const QByteArray &title, const QByteArray &name, int host, quint32 attributes, Kind kind) {
+    const auto row = [](const QByteArray &title, const QByteArray &name, int host, quint32 attributes,
+                        Kind kind) {
         QTest::newRow(title.constData()) << name << host << attributes << kind;
     };
     row("Unix file", "a", 3, 0100644U << 16, file);
@@ -190,7 +191,8 @@ void ZipIndexTest::kinds()
     QVERIFY(!kind || index.entries[0].kind == *kind);
 }
 
-/// Fields that the check reads, each of them changed in a record of the archive of one stored file of four bytes.
+/// Fields that the check reads, each of them changed in a record of the archive of one stored file of four
+/// bytes.
 void ZipIndexTest::eachFieldOffByOne_data()
 {
     struct Field {
@@ -198,10 +200,11 @@ void ZipIndexTest::eachFieldOffByOne_data()
         qsizetype offset;
         bool checked;
     };
-    const QList<Field> local{{"signature", 0, true},    {"version", 4, false},         {"flags", 6, true},
-                             {"method", 8, true},       {"time", 10, false},           {"date", 12, false},
-                             {"checksum", 14, true},    {"compressed size", 18, true}, {"plain size", 22, true},
-                             {"name length", 26, true}, {"extra length", 28, true},    {"name", 30, true}};
+    const QList<Field> local{
+        {"signature", 0, true},    {"version", 4, false},         {"flags", 6, true},
+        {"method", 8, true},       {"time", 10, false},           {"date", 12, false},
+        {"checksum", 14, true},    {"compressed size", 18, true}, {"plain size", 22, true},
+        {"name length", 26, true}, {"extra length", 28, true},    {"name", 30, true}};
     const QList<Field> central{{"signature", 0, true},
                                {"made by", 4, false},
                                {"version", 6, false},
@@ -220,9 +223,9 @@ void ZipIndexTest::eachFieldOffByOne_data()
                                {"external attributes", 38, false},
                                {"local offset", 42, true},
                                {"name", 46, true}};
-    const QList<Field> end{{"signature", 0, true},        {"disk", 4, true},
-                           {"directory disk", 6, true},   {"entries here", 8, true},
-                           {"entries", 10, true},         {"directory size", 12, true},
+    const QList<Field> end{{"signature", 0, true},         {"disk", 4, true},
+                           {"directory disk", 6, true},    {"entries here", 8, true},
+                           {"entries", 10, true},          {"directory size", 12, true},
                            {"directory offset", 16, true}, {"comment length", 20, true}};
 
     const QByteArray good = zipOf({fileItem("name", "data")});
