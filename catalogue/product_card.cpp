@@ -2,6 +2,7 @@
 
 #include "obs/component_actions.h"
 #include "ui/plain_tool_tip.h"
+#include "ui/wrapping_label.h"
 
 #include <QJsonObject>
 #include <QLabel>
@@ -34,17 +35,6 @@ QString shortened(const QString &description)
     return leftWithoutSplitting(description, CutDescription) + u'…';
 }
 
-/// A label that shows `content` as it is and takes the width that the card has.
-QLabel *newTextLabel(const QString &content, QWidget *parent)
-{
-    auto *label = new LongToolTipLabel(parent);
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    label->setText(content);
-    return label;
-}
-
 } // namespace
 
 ProductCard::ProductCard(const QJsonObject &product, const CatalogueServices &services,
@@ -69,17 +59,17 @@ ProductCard::ProductCard(const QJsonObject &product, const CatalogueServices &se
 
 void ProductCard::buildLabels()
 {
-    previewLabel_ = new QLabel(this);
+    previewLabel_ = new WrappingLabel(this);
     previewLabel_->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
     previewLabel_->setFixedHeight(PreviewHeight);
     previewLabel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    previewLabel_->setWordWrap(true);
-    nameLabel_ = newTextLabel(product_.product_name, this);
+    nameLabel_ = new WrappingLabel(this);
+    nameLabel_->setText(product_.product_name);
     nameLabel_->setStyleSheet(NameStyle);
-    descriptionLabel_ = newTextLabel({}, this);
+    descriptionLabel_ = new WrappingLabel(this);
     describe();
     downloadButton_ = new QPushButton(this);
-    statusLabel_ = newTextLabel({}, this);
+    statusLabel_ = new WrappingLabel(this);
     statusLabel_->setTextInteractionFlags(Qt::TextSelectableByMouse);
 }
 

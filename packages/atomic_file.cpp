@@ -30,8 +30,8 @@ QStringList missingFolders(QString folder)
     return missing;
 }
 
-/// Hands `length` bytes of `source` from `offset` on to `take`, piece by piece. False when bytes are missing or `take`
-/// says so.
+/// Hands `length` bytes of `source` from `offset` on to `take`, piece by piece. False when bytes are missing
+/// or `take` says so.
 template <typename Take>
 bool forEachPiece(QFile &source, qint64 offset, qint64 length, Take take)
 {
@@ -76,17 +76,14 @@ bool holdsBytes(const QString &target, QByteArrayView bytes)
 bool holdsRange(const QString &target, QFile &source, qint64 offset, qint64 length)
 {
     QFile file(target);
-    return openIfRegular(file, length) &&
-           forEachPiece(source, offset, length,
-                        [&file](QByteArrayView piece) { return continuesWith(file, piece); });
+    return openIfRegular(file, length) && forEachPiece(source, offset, length, [&file](QByteArrayView piece) {
+               return continuesWith(file, piece);
+           });
 }
 
 } // namespace
 
-PendingFile::PendingFile(QString root, QString target)
-    : root_(std::move(root)), target_(std::move(target))
-{
-}
+PendingFile::PendingFile(QString root, QString target) : root_(std::move(root)), target_(std::move(target)) {}
 
 PendingFile::~PendingFile()
 {
@@ -162,7 +159,8 @@ bool writeFileAtomically(const QString &root, const QString &target, QByteArrayV
     return file.open() && file.write(bytes) && file.commit();
 }
 
-bool copyRangeAtomically(const QString &root, const QString &target, QFile &source, qint64 offset, qint64 length)
+bool copyRangeAtomically(const QString &root, const QString &target, QFile &source, qint64 offset,
+                         qint64 length)
 {
     PendingFile file(root, target);
     if (!file.prepareFolder())

@@ -61,7 +61,8 @@ QList<PreviewEntry> readPreviews(const QJsonObject &object)
         previews.append(readPreview(element.toObject()));
     }
     if (previews.isEmpty() && !readText(object, "preview_image"_L1).isEmpty())
-        previews.append({readUrl(object, "preview_image"_L1), {}, readText(object, "preview_revision"_L1), {}});
+        previews.append(
+            {readUrl(object, "preview_image"_L1), {}, readText(object, "preview_revision"_L1), {}});
     return previews;
 }
 
@@ -113,8 +114,8 @@ bool modeTakesSource(const QString &insertMode, const QString &sourceType)
 {
     if (insertMode == "stinger_transition"_L1)
         return sourceType == "media"_L1;
-    const bool placed = insertMode == "overlay"_L1 || insertMode == "webcam_frame"_L1 ||
-                        insertMode == "fullscreen_scene"_L1;
+    const bool placed =
+        insertMode == "overlay"_L1 || insertMode == "webcam_frame"_L1 || insertMode == "fullscreen_scene"_L1;
     return placed && (sourceType == "image"_L1 || sourceType == "media"_L1);
 }
 

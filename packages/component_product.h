@@ -45,14 +45,14 @@ struct ComponentProduct {
     QString file_mime;
     QString product_name;
     QString description;
-    QString sha256; ///< lower-cased; empty: unknown
-    QList<PreviewEntry> previews; ///< at most 32
-    qint64 file_size = 0;         ///< bytes; 0 or less: unknown
+    QString sha256;                     ///< lower-cased; empty: unknown
+    QList<PreviewEntry> previews;       ///< at most 32
+    qint64 file_size = 0;               ///< bytes; 0 or less: unknown
     QList<ProductComponent> components; ///< ascending `sort_order`, equal ones in the order of the service
 };
 
-/// Reads a product object of the service. Never fails: a missing key or a value of another JSON type takes the field's
-/// default, and integers must be whole and fit the field.
+/// Reads a product object of the service. Never fails: a missing key or a value of another JSON type takes
+/// the field's default, and integers must be whole and fit the field.
 ComponentProduct parseComponentProduct(const QJsonObject &object);
 
 /// The component names an asset that can be taken out of the package at all.
@@ -65,8 +65,8 @@ bool isInsertable(const ProductComponent &component);
 bool isImageSuffix(const QString &suffix);
 bool isMediaSuffix(const QString &suffix);
 
-/// The metadata is sound: safe key, a version, and a digest that is empty or 64 lower-case hexadecimal digits. Gates
-/// every download, cache and extraction step.
+/// The metadata is sound: safe key, a version, and a digest that is empty or 64 lower-case hexadecimal
+/// digits. Gates every download, cache and extraction step.
 bool isValid(const ComponentProduct &product);
 
 } // namespace quillmar

@@ -8,6 +8,7 @@
 #include <QThreadPool>
 
 #include <functional>
+#include <memory>
 
 namespace quillmar
 {
@@ -31,8 +32,8 @@ public:
     /// Waits for all tasks, without a time limit. Their answers are not called any more.
     ~FileWorkers() override;
 
-    /// Runs `task` on a worker, then `answer` on this thread, as a queued call, unless `receiver` is gone by then. A task
-    /// that runs out of memory answers "Download.Failed".
+    /// Runs `task` on a worker, then `answer` on this thread, as a queued call, unless `receiver` is gone by
+    /// then. A task that runs out of memory answers "Download.Failed".
     void run(QObject *receiver, Task task, Answer answer, Urgency urgency = Urgency::Ordinary);
 
     /// Destroys `object` on a worker, once no task holds it any more.

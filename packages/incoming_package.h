@@ -10,9 +10,9 @@ namespace quillmar
 
 /// One package on its way into the cache: taken in pieces, hashed on the way, kept only when store() agrees.
 ///
-/// What it answers is what it would answer if the whole package were checked first and written afterwards: a disk that
-/// cannot take the bytes matters only when size and digest are right. An object that was not stored leaves nothing
-/// behind. Blocks; any one thread at a time.
+/// What it answers is what it would answer if the whole package were checked first and written afterwards: a
+/// disk that cannot take the bytes matters only when size and digest are right. An object that was not stored
+/// leaves nothing behind. Blocks; any one thread at a time.
 class IncomingPackage
 {
 public:
@@ -22,9 +22,10 @@ public:
     /// Takes the next bytes. A failure to write them is remembered for store().
     void append(QByteArrayView bytes);
 
-    /// Ends the package. The path of the cached package, or "Download.Failed" when the product is invalid, nothing came,
-    /// or the size or digest is another than the product's, or "Download.SaveFailed" when the package or its record
-    /// could not be written. Content that the cache holds already is not written again. Called once.
+    /// Ends the package. The path of the cached package, or "Download.Failed" when the product is invalid,
+    /// nothing came, or the size or digest is another than the product's, or "Download.SaveFailed" when the
+    /// package or its record could not be written. Content that the cache holds already is not written again.
+    /// Called once.
     ProductFileResult store();
 
 private:

@@ -12,8 +12,8 @@ namespace
 {
 
 constexpr qint64 kMiB = 1024 * 1024;
-constexpr qint64 kReadBufferBytes = kMiB;
-constexpr qint64 kPieceBytes = kMiB;
+constexpr qint64 kReadBufferBytes = 2 * kMiB;
+constexpr qint64 kPieceBytes = 4 * kMiB;
 constexpr qint64 kMaxReasonBytes = kMiB;
 constexpr qint64 kMaxPackageBytes = 2048 * kMiB; ///< of a package whose size is unknown
 constexpr int kHttpOk = 200;
@@ -22,11 +22,16 @@ constexpr int kHttpOk = 200;
 
 PackageBody::PackageBody(QNetworkReply *reply, FileWorkers &workers, const QString &root,
                          const ComponentProduct &product, QObject *parent)
-    : QObject(parent), workers_(workers), reply_(reply),
+    : QObject(parent),
+      workers_(workers),
+      reply_(reply),
       package_(std::make_shared<IncomingPackage>(root, product)),
       limit_(product.file_size > 0 ? product.file_size : kMaxPackageBytes)
 {
-    reply->setReadBufferSize(kReadBufferBytes);
+    // Not before: a size that is set while the body of the POST is still under way to Qt's network thread is
+    // lost.
+    connect(reply, &QNetworkReply::metaDataChanged, reply,
+            [reply] { reply->setReadBufferSize(kReadBufferBytes); });
     connect(reply, &QNetworkReply::readyRead, this, &PackageBody::onReadyRead);
     connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
     connect(reply, &QNetworkReply::finished, this, &PackageBody::onFinished);

@@ -18,10 +18,10 @@ class IncomingPackage;
 
 /// Moves the body of one file reply into the cache while it arrives.
 ///
-/// One piece at a time is on its way to the workers, and the reply holds a few MiB at most, so memory stays bounded
-/// however slow the disk is. A body whose status is not 200 is not kept; it is read for its reason only. Owns the reply
-/// until it has finished; destroying this object drops the reply and whatever was written. Lives on the user-interface
-/// thread.
+/// One piece at a time is on its way to the workers, and the reply holds a few MiB at most, so memory stays
+/// bounded however slow the disk is. A body whose status is not 200 is not kept; it is read for its reason
+/// only. Owns the reply until it has finished; destroying this object drops the reply and whatever was
+/// written. Lives on the user-interface thread.
 class PackageBody : public QObject
 {
     Q_OBJECT
@@ -36,12 +36,14 @@ public:
         QJsonObject reason; ///< the body of another status, when it is a JSON object
     };
 
-    /// Reads `reply` as the package of `product`, which is put into the cache at `root`. `workers` outlives this object.
-    PackageBody(QNetworkReply *reply, FileWorkers &workers, const QString &root, const ComponentProduct &product,
-                QObject *parent);
+    /// Reads `reply` as the package of `product`, which is put into the cache at `root`. `workers` outlives
+    /// this object.
+    PackageBody(QNetworkReply *reply, FileWorkers &workers, const QString &root,
+                const ComponentProduct &product, QObject *parent);
     ~PackageBody() override;
 
-    /// Checks and stores the complete body, then answers as IncomingPackage::store() does. After ended(), once.
+    /// Checks and stores the complete body, then answers as IncomingPackage::store() does. After ended(),
+    /// once.
     void store(QObject *receiver, FileWorkers::Answer answer);
 
     /// Drops the reply and the bytes; nothing is emitted from now on.

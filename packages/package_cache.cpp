@@ -20,7 +20,8 @@ namespace
 
 constexpr qint64 kMaxRecordBytes = 8192;
 
-/// The record at `path`; empty when it is too large, unreadable or not a JSON object. A FIFO in its place is not opened.
+/// The record at `path`; empty when it is too large, unreadable or not a JSON object. A FIFO in its place is
+/// not opened.
 QJsonObject readRecord(const QString &path)
 {
     QFile file(path);
@@ -66,7 +67,8 @@ QString findCachedPackage(const QString &root, const ComponentProduct &product)
     return isIntact ? packagePath : QString();
 }
 
-bool writePackageRecord(const QString &root, const ComponentProduct &product, qint64 size, const QByteArray &sha256)
+bool writePackageRecord(const QString &root, const ComponentProduct &product, qint64 size,
+                        const QByteArray &sha256)
 {
     const QJsonObject record{{u"identity"_s, productIdentity(product)},
                              {u"product_key"_s, product.product_key},

@@ -29,7 +29,8 @@ QByteArray ticketRequestBody(const ComponentProduct &product)
     return QJsonDocument(object).toJson(QJsonDocument::Indented);
 }
 
-/// Empty, or with characters that no header may carry; such a ticket would leave the request without its header.
+/// Empty, or with characters that no header may carry; such a ticket would leave the request without its
+/// header.
 bool isUnusableTicket(const QString &ticket)
 {
     const auto isControl = [](QChar c) { return c < u' ' || c == u'\x7f'; };
@@ -148,8 +149,8 @@ bool PackageFetch::endIfRefused(int status, const QJsonObject &reason)
         end(Ending::SessionRefused, ProductFileResult::failure(u"Status.LoginRequired"_s));
         return true;
     }
-    const bool isQuota = status == kHttpTooManyRequests &&
-                         reason.value("code"_L1).toString() == "download_quota_reached"_L1;
+    const bool isQuota =
+        status == kHttpTooManyRequests && reason.value("code"_L1).toString() == "download_quota_reached"_L1;
     if (isQuota)
         end(Ending::QuotaReached, ProductFileResult::failure(u"Download.QuotaReached"_s));
     return isQuota;

@@ -17,8 +17,8 @@ namespace quillmar
 
 /// Fetches one package from the service into the cache: a ticket first, then the file that it stands for.
 ///
-/// Ends exactly once, with ended(), unless it is destroyed before; then its requests are dropped and nothing of the
-/// package is left. Lives on the user-interface thread.
+/// Ends exactly once, with ended(), unless it is destroyed before; then its requests are dropped and nothing
+/// of the package is left. Lives on the user-interface thread.
 class PackageFetch : public QObject
 {
     Q_OBJECT

@@ -49,7 +49,8 @@ bool isSafeSegment(QStringView segment)
 }
 
 #ifdef Q_OS_WIN
-/// The long-path form, without which the query fails beyond 260 characters and a junction there would go unseen.
+/// The long-path form, without which the query fails beyond 260 characters and a junction there would go
+/// unseen.
 QString extendedLengthPath(const QString &path)
 {
     const QString native = QDir::toNativeSeparators(path);

@@ -171,7 +171,8 @@ void ProductDownloads::onFetchEnded(const QString &key, PackageFetch::Ending end
     }
 }
 
-/// Takes the request out of the table, with its fetch, before anybody is told: who is told may come straight back.
+/// Takes the request out of the table, with its fetch, before anybody is told: who is told may come straight
+/// back.
 QList<ProductDownloads::Waiter> ProductDownloads::takeRequest(const QString &key)
 {
     const Request request = requests_.take(key);

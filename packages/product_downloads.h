@@ -20,9 +20,10 @@ namespace quillmar
 
 /// Turns a product into a verified package on disk, and a package into the files of one component.
 ///
-/// Lives on the user-interface thread; file work runs on a pool of at most two threads, which get copies and answer with
-/// queued calls. Requests for the same package in the same session share one download, and at most four downloads run at
-/// a time, so that a stuck one leaves a connection to the other requests of the module.
+/// Lives on the user-interface thread; file work runs on a pool of at most two threads, which get copies and
+/// answer with queued calls. Requests for the same package in the same session share one download, and at
+/// most four downloads run at a time, so that a stuck one leaves a connection to the other requests of the
+/// module.
 class ProductDownloads : public QObject
 {
     Q_OBJECT
@@ -38,8 +39,8 @@ public:
         std::function<void()> quotaChanged;   ///< the quota was spent or is exhausted
     };
 
-    /// `network` is shared and outlives the requests made here or takes them with it. `root` empty: the user's download
-    /// folder followed by "/Quillmar".
+    /// `network` is shared and outlives the requests made here or takes them with it. `root` empty: the
+    /// user's download folder followed by "/Quillmar".
     ProductDownloads(QNetworkAccessManager *network, const QString &root, QObject *parent = nullptr);
 
     /// Waits for running worker tasks, without a time limit.
@@ -54,17 +55,19 @@ public:
     ///
     /// `completion` is called once on this object's thread while `context` lives, with the path or one of
     /// "Status.LoginRequired", "Component.InvalidMetadata", "Download.QuotaReached", "Download.Failed",
-    /// "Download.SaveFailed"; the first two before this function returns. It is not called at all when the session ends
-    /// on the way. It may delete anything, this object included.
+    /// "Download.SaveFailed"; the first two before this function returns. It is not called at all when the
+    /// session ends on the way. It may delete anything, this object included.
     void acquire(const ComponentProduct &product, QObject *context, Completion completion);
 
-    /// Extracts `component`, or copies the whole package when there is none, from the package at `packagePath`.
+    /// Extracts `component`, or copies the whole package when there is none, from the package at
+    /// `packagePath`.
     ///
-    /// `completion` is called once on this object's thread while `context` lives, with the path of the file or folder or
-    /// one of "Component.UnsafePath", "Component.FileMissing", "Component.InvalidArchive", "Download.Failed",
-    /// "Download.SaveFailed".
+    /// `completion` is called once on this object's thread while `context` lives, with the path of the file
+    /// or folder or one of "Component.UnsafePath", "Component.FileMissing", "Component.InvalidArchive",
+    /// "Download.Failed", "Download.SaveFailed".
     void materialize(const ComponentProduct &product, const QString &packagePath,
-                     const std::optional<ProductComponent> &component, QObject *context, Completion completion);
+                     const std::optional<ProductComponent> &component, QObject *context,
+                     Completion completion);
 
 private:
     struct Waiter {
@@ -77,8 +80,8 @@ private:
     struct Request {
         ComponentProduct product;
         quint64 generation = 0;
-        QList<Waiter> waiters;          ///< in the order of arrival
-        PackageFetch *fetch = nullptr;  ///< a child; null while the cache is looked up and while queued
+        QList<Waiter> waiters;         ///< in the order of arrival
+        PackageFetch *fetch = nullptr; ///< a child; null while the cache is looked up and while queued
     };
 
     void dropRequestsOfOtherSessions();

@@ -7,8 +7,8 @@
 namespace quillmar
 {
 
-/// 64 lower-case hexadecimal digits that tell one package from every other: the SHA-256 over key, version, file name,
-/// size and, when known, digest. Names the cache directory of the package.
+/// 64 lower-case hexadecimal digits that tell one package from every other: the SHA-256 over key, version,
+/// file name, size and, when known, digest. Names the cache directory of the package.
 QString productIdentity(const ComponentProduct &product);
 
 /// root + "/.quillmar-cache/" + identity: the cache directory of a package. `root` is absolute and cleaned.

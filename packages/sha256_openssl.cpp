@@ -16,10 +16,7 @@ struct Sha256::Platform {
     bool works = context && EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr) == 1;
 };
 
-Sha256::Sha256()
-    : platform_(std::make_unique<Platform>())
-{
-}
+Sha256::Sha256() : platform_(std::make_unique<Platform>()) {}
 
 Sha256::~Sha256() = default;
 

@@ -28,7 +28,7 @@ step() { # WHAT LOG COMMAND...
 
 # The lines of a log that most likely tell what went wrong.
 show_failure() { # LOG
-    grep -m 20 -E -A 5 '(error|Error)( at .*)?: |FAILED|^E: |fatal' -- "$1" >&2 || tail -n 20 -- "$1" >&2
+    grep -m 20 -E -A 5 '(error|Error)( at .*)?:( |$)|FAILED|^E: |fatal' -- "$1" >&2 || tail -n 20 -- "$1" >&2
 }
 
 # Packages carry folders without the write bit, in which an ordinary user cannot delete.

@@ -4,10 +4,13 @@
 #include "ui/quillmar_line_edit.h"
 #include "ui/styles.h"
 #include "ui/update_banner.h"
+#include "ui/wrapping_label.h"
 
 #include <QComboBox>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -21,6 +24,24 @@ namespace
 {
 
 constexpr Qt::Alignment StatusAlignment = Qt::AlignRight | Qt::AlignVCenter | Qt::AlignAbsolute;
+
+/// A message that stands at the side of its alignment. QLabel itself turns sides round when the text runs
+/// right to left, so that a right-aligned Persian message would stand at the left.
+class MessageLabel : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QFrame::paintEvent(event);
+        QPainter painter(this);
+        const auto flags = (alignment() | Qt::AlignAbsolute).toInt() | Qt::TextWordWrap;
+        style()->drawItemText(&painter, contentsRect(), flags, palette(), isEnabled(), text(),
+                              foregroundRole());
+    }
+};
 
 QHBoxLayout *addRow(QWidget *row, int spacing)
 {
@@ -105,7 +126,7 @@ void buildSignIn(DockWidgets &dock, QWidget *panel, const Localisation &localisa
 
 QLabel *addMessage(DockWidgets &dock, QWidget *panel, Qt::Alignment alignment)
 {
-    auto *label = new QLabel(panel);
+    auto *label = new MessageLabel(panel);
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setLayoutDirection(Qt::RightToLeft);
@@ -141,10 +162,7 @@ void buildHome(DockWidgets &dock, QWidget *panel)
     dock.productsMessageLabel->hide();
     dock.retryButton = addHiddenButton(dock, panel);
 
-    dock.quotaLabel = new QLabel(panel);
-    dock.quotaLabel->setWordWrap(true);
-    dock.quotaLabel->setTextFormat(Qt::PlainText);
-    dock.quotaLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    dock.quotaLabel = new WrappingLabel(panel);
     dock.quotaLabel->hide();
     dock.column->addWidget(dock.quotaLabel);
 

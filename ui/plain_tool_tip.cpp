@@ -2,7 +2,6 @@
 
 #include "ui/localisation.h"
 
-#include <QHelpEvent>
 #include <QTextDocument>
 #include <QToolTip>
 
@@ -33,13 +32,11 @@ void setPlainToolTip(QWidget *widget, const QString &text)
     widget->setToolTip(Qt::mightBeRichText(text) ? wrapped(text) : text);
 }
 
-bool LongToolTipLabel::event(QEvent *event)
+void showPlainToolTip(QWidget *widget, const QPoint &position)
 {
-    // What looks like rich text was escaped when it was set, and is wrapped as it is.
-    if (event->type() != QEvent::ToolTip || toolTip().isEmpty() || Qt::mightBeRichText(toolTip()))
-        return QLabel::event(event);
-    QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), wrapped(toolTip()), this);
-    return true;
+    // What looks like rich text was escaped when it was set.
+    const QString text = widget->toolTip();
+    QToolTip::showText(position, Qt::mightBeRichText(text) ? text : wrapped(text), widget);
 }
 
 } // namespace quillmar

@@ -1,7 +1,9 @@
 #pragma once
 
-#include <QLabel>
 #include <QString>
+
+class QPoint;
+class QWidget;
 
 namespace quillmar
 {
@@ -11,17 +13,8 @@ namespace quillmar
 /// unchanged.
 void setPlainToolTip(QWidget *widget, const QString &text);
 
-/// A label whose tool tip, set by setPlainToolTip(), may be long: it is shown wrapped, and cut where it would
-/// cover the screen. The property `toolTip` keeps the whole text.
-class LongToolTipLabel : public QLabel
-{
-    Q_OBJECT
-
-public:
-    using QLabel::QLabel;
-
-protected:
-    bool event(QEvent *event) override;
-};
+/// Shows the tool tip that setPlainToolTip() gave to `widget` at `position` on the screen: wrapped, and cut
+/// where it would cover the screen. Left to itself, Qt shows a plain tool tip as one line.
+void showPlainToolTip(QWidget *widget, const QPoint &position);
 
 } // namespace quillmar

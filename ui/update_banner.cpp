@@ -2,6 +2,7 @@
 
 #include "ui/plain_tool_tip.h"
 #include "ui/styles.h"
+#include "ui/wrapping_label.h"
 
 #include <QDesktopServices>
 #include <QLabel>
@@ -24,13 +25,9 @@ constexpr const char *DownloadUrlProperty = "downloadUrl";
 constexpr qsizetype WholeNotes = 160;
 constexpr qsizetype CutNotes = 157;
 
-/// A line of the banner. Its width follows the banner's, so that one long word cannot widen the dock.
 QLabel *addLine(QVBoxLayout *layout)
 {
-    auto *line = new LongToolTipLabel;
-    line->setTextFormat(Qt::PlainText);
-    line->setWordWrap(true);
-    line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    auto *line = new WrappingLabel;
     layout->addWidget(line);
     return line;
 }

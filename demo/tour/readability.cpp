@@ -10,7 +10,7 @@ namespace
 
 bool showsText(const test::Widget &widget)
 {
-    const bool isTextKind = widget.kind() == "QLabel"_L1 || widget.kind().endsWith("Button"_L1);
+    const bool isTextKind = widget.role == "label"_L1 || widget.role == "button"_L1;
     return isTextKind && widget.visible && !widget.picture && !widget.text.isEmpty();
 }
 

@@ -64,6 +64,7 @@ void addProperties(QJsonObject &report, const QWidget &widget)
 
 void addLabel(QJsonObject &report, const QLabel &label)
 {
+    report[u"role"_s] = u"label"_s;
     report[u"text"_s] = label.text();
     report[u"alignment"_s] = static_cast<int>(label.alignment().toInt());
     report[u"picture"_s] = !label.pixmap().isNull();
@@ -72,6 +73,7 @@ void addLabel(QJsonObject &report, const QLabel &label)
 
 void addLineEdit(QJsonObject &report, const QLineEdit &edit)
 {
+    report[u"role"_s] = u"field"_s;
     report[u"text"_s] = edit.text();
     report[u"placeholder"_s] = edit.placeholderText();
     report[u"alignment"_s] = static_cast<int>(edit.alignment().toInt());
@@ -80,6 +82,7 @@ void addLineEdit(QJsonObject &report, const QLineEdit &edit)
 
 void addButton(QJsonObject &report, const QAbstractButton &button)
 {
+    report[u"role"_s] = u"button"_s;
     report[u"text"_s] = button.text();
     report[u"checkable"_s] = button.isCheckable();
     report[u"checked"_s] = button.isChecked();
@@ -87,6 +90,7 @@ void addButton(QJsonObject &report, const QAbstractButton &button)
 
 void addComboBox(QJsonObject &report, const QComboBox &combo)
 {
+    report[u"role"_s] = u"list"_s;
     QJsonArray items;
     for (int index = 0; index < combo.count() && index < MostItems; ++index)
         items.append(combo.itemText(index));

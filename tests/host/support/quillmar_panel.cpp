@@ -12,12 +12,12 @@ namespace
 
 bool isPushButton(const Widget &widget)
 {
-    return widget.kind().endsWith("PushButton"_L1);
+    return widget.role == "button"_L1;
 }
 
 bool isLabel(const Widget &widget)
 {
-    return widget.kind() == "QLabel"_L1;
+    return widget.role == "label"_L1;
 }
 
 const Widget *productCard(const WidgetTree &tree, const QString &product)
@@ -66,18 +66,18 @@ const Widget *languageSelector(const WidgetTree &tree)
 const Widget *userNameField(const WidgetTree &tree)
 {
     return tree.find(
-        [](const Widget &w) { return w.parent == 0 && w.kind().endsWith("LineEdit"_L1) && !w.secret; });
+        [](const Widget &w) { return w.parent == 0 && w.role == "field"_L1 && !w.secret; });
 }
 
 const Widget *passwordField(const WidgetTree &tree)
 {
     return tree.find(
-        [](const Widget &w) { return w.parent == 0 && w.kind().endsWith("LineEdit"_L1) && w.secret; });
+        [](const Widget &w) { return w.parent == 0 && w.role == "field"_L1 && w.secret; });
 }
 
 const Widget *searchField(const WidgetTree &tree)
 {
-    return tree.find([](const Widget &w) { return w.parent > 0 && w.kind() == "QLineEdit"_L1; });
+    return tree.find([](const Widget &w) { return w.parent > 0 && w.role == "field"_L1; });
 }
 
 const Widget *categoryBox(const WidgetTree &tree)

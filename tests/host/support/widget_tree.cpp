@@ -35,6 +35,7 @@ QList<Widget::Row> rowsOf(const QJsonArray &report)
 void readTexts(Widget &widget, const QJsonObject &report)
 {
     widget.className = report["class"_L1].toString();
+    widget.role = report["role"_L1].toString();
     widget.name = report["name"_L1].toString();
     widget.text = report["text"_L1].toString();
     widget.placeholder = report["placeholder"_L1].toString();

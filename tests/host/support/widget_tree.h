@@ -23,6 +23,8 @@ struct Widget {
     int index = -1;
     int parent = -1;
     QString className;
+    /// "label", "button", "field", "list" or empty: what a user takes it for, whatever its class.
+    QString role;
     QString name;
     QString text;
     QString placeholder;

@@ -327,8 +327,8 @@ void ProductListTest::retranslates()
     QCOMPARE(categoryTexts(), (QStringList{u"همهٔ دسته‌ها"_s, u"Frames"_s}));
     QCOMPARE(categories()->accessibleName(), u"فیلتر دسته"_s);
     QCOMPARE(categories()->toolTip(), u"همهٔ دسته‌ها"_s);
-    QCOMPARE(search()->placeholderText(), u"جستجوی محصول"_s);
-    QCOMPARE(search()->accessibleName(), u"جستجوی محصول"_s);
+    QCOMPARE(search()->placeholderText(), u"جستجو"_s);
+    QCOMPARE(search()->accessibleName(), u"جستجو"_s);
     QCOMPARE(search()->alignment(), Qt::AlignRight | Qt::AlignVCenter | Qt::AlignAbsolute);
     QCOMPARE(noResults()->alignment(), Qt::AlignRight | Qt::AlignTop | Qt::AlignAbsolute);
     QVERIFY(noResults()->text().startsWith(u"محصولی پیدا نشد"_s));

@@ -97,8 +97,8 @@ bool AtomicFileTest::write(const QString &target, const QByteArray &bytes)
     QTemporaryDir elsewhere;
     const QString path = elsewhere.filePath(u"source"_s);
     QFile source(path);
-    return source.open(QIODevice::ReadWrite) && source.write("before") == 6 && source.write(bytes) == bytes.size() &&
-           source.write("after") == 5 && source.flush() &&
+    return source.open(QIODevice::ReadWrite) && source.write("before") == 6 &&
+           source.write(bytes) == bytes.size() && source.write("after") == 5 && source.flush() &&
            copyRangeAtomically(root_, target, source, 6, bytes.size());
 }
 

@@ -56,7 +56,8 @@ QStringList keys(const QList<ProductComponent> &components)
     return names;
 }
 
-/// One value of every JSON type, none of them text that means anything, plus numbers at and beyond every border.
+/// One value of every JSON type, none of them text that means anything, plus numbers at and beyond every
+/// border.
 QList<QJsonValue> oddValues()
 {
     return {QJsonValue::Null,
@@ -120,10 +121,10 @@ private Q_SLOTS:
 
 void ComponentProductTest::readsEveryProductField()
 {
-    const QJsonObject object{{u"product_key"_s, u"key"_s},   {u"product_version"_s, u"2"_s},
-                             {u"file_name"_s, u"p.zip"_s},   {u"file_mime"_s, u"application/zip"_s},
-                             {u"product_name"_s, u"نام"_s},  {u"description"_s, u"text"_s},
-                             {u"sha256"_s, u"ABCDEF"_s},     {u"file_size"_s, 5'000'000'000.0},
+    const QJsonObject object{{u"product_key"_s, u"key"_s},      {u"product_version"_s, u"2"_s},
+                             {u"file_name"_s, u"p.zip"_s},      {u"file_mime"_s, u"application/zip"_s},
+                             {u"product_name"_s, u"نام"_s},     {u"description"_s, u"text"_s},
+                             {u"sha256"_s, u"ABCDEF"_s},        {u"file_size"_s, 5'000'000'000.0},
                              {u"preview_gallery"_s, gallery(1)}};
     const ComponentProduct product = parseComponentProduct(object);
     QCOMPARE(product.product_key, u"key"_s);
@@ -139,13 +140,22 @@ void ComponentProductTest::readsEveryProductField()
 
 void ComponentProductTest::readsEveryComponentField()
 {
-    const ProductComponent component = parseComponent(
-        {{u"component_key"_s, u"k"_s},   {u"component_name"_s, u"n"_s},     {u"component_type"_s, u"t"_s},
-         {u"asset_path"_s, u"a/b"_s},    {u"asset_kind"_s, u"folder"_s},    {u"file_mime"_s, u"m"_s},
-         {u"insert_mode"_s, u"i"_s},     {u"source_type"_s, u"s"_s},        {u"position"_s, u"center"_s},
-         {u"variant_label"_s, u"v"_s},   {u"auto_insert_enabled"_s, true},  {u"media_loop"_s, true},
-         {u"width"_s, 640},              {u"height"_s, -3},                 {u"transition_point_ms"_s, 750},
-         {u"sort_order"_s, 9}});
+    const ProductComponent component = parseComponent({{u"component_key"_s, u"k"_s},
+                                                       {u"component_name"_s, u"n"_s},
+                                                       {u"component_type"_s, u"t"_s},
+                                                       {u"asset_path"_s, u"a/b"_s},
+                                                       {u"asset_kind"_s, u"folder"_s},
+                                                       {u"file_mime"_s, u"m"_s},
+                                                       {u"insert_mode"_s, u"i"_s},
+                                                       {u"source_type"_s, u"s"_s},
+                                                       {u"position"_s, u"center"_s},
+                                                       {u"variant_label"_s, u"v"_s},
+                                                       {u"auto_insert_enabled"_s, true},
+                                                       {u"media_loop"_s, true},
+                                                       {u"width"_s, 640},
+                                                       {u"height"_s, -3},
+                                                       {u"transition_point_ms"_s, 750},
+                                                       {u"sort_order"_s, 9}});
     QCOMPARE(component.component_key, u"k"_s);
     QCOMPARE(component.component_name, u"n"_s);
     QCOMPARE(component.component_type, u"t"_s);
@@ -197,8 +207,8 @@ void ComponentProductTest::componentsThatAreNoArrayAreNone()
 
 void ComponentProductTest::elementsThatAreNoObjectAreSkipped()
 {
-    const QJsonArray elements{1, u"x"_s, QJsonObject{{u"component_key"_s, u"A"_s}}, QJsonArray{}, QJsonValue::Null,
-                              QJsonObject{}};
+    const QJsonArray elements{
+        1, u"x"_s, QJsonObject{{u"component_key"_s, u"A"_s}}, QJsonArray{}, QJsonValue::Null, QJsonObject{}};
     const ComponentProduct product = parseComponentProduct({{u"components"_s, elements}});
     QCOMPARE(keys(product.components), QStringList({u"A"_s, QString()}));
 }
@@ -479,9 +489,8 @@ void ComponentProductTest::insertable_data()
     QTest::addColumn<QString>("source");
     QTest::addColumn<bool>("expected");
     const auto row = [](const char *name, const QString &path, const QString &kind, const QString &mode,
-                        const QString &source, bool expected) {
-        QTest::newRow(name) << path << kind << mode << source << expected;
-    };
+                        const QString &source,
+                        bool expected) { QTest::newRow(name) << path << kind << mode << source << expected; };
     for (const QString &suffix : {u"png"_s, u"jpg"_s, u"jpeg"_s, u"webp"_s, u"WebP"_s})
         row(qPrintable(u"image "_s + suffix), u"a."_s + suffix, u"file"_s, u"overlay"_s, u"image"_s, true);
     for (const QString &suffix : {u"webm"_s, u"mp4"_s})

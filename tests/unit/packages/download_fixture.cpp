@@ -16,8 +16,7 @@ constexpr int kDeadlineMs = 30'000;
 
 } // namespace
 
-DownloadFixture::DownloadFixture()
-    : network(std::make_unique<QNetworkAccessManager>())
+DownloadFixture::DownloadFixture() : network(std::make_unique<QNetworkAccessManager>())
 {
     product.product_key = u"pack"_s;
     product.product_version = u"1.0"_s;
@@ -52,7 +51,8 @@ void DownloadFixture::setPackage(const QByteArray &package)
 {
     bytes = package;
     product.file_size = package.size();
-    product.sha256 = QString::fromLatin1(QCryptographicHash::hash(package, QCryptographicHash::Sha256).toHex());
+    product.sha256 =
+        QString::fromLatin1(QCryptographicHash::hash(package, QCryptographicHash::Sha256).toHex());
 }
 
 ComponentProduct DownloadFixture::otherProduct(int number) const

@@ -18,8 +18,8 @@ struct Outcome {
     ProductFileResult result;
 };
 
-/// A service, a session, an empty package root and the downloads between them. The service delivers the package of
-/// `product` until a test tells it otherwise.
+/// A service, a session, an empty package root and the downloads between them. The service delivers the
+/// package of `product` until a test tells it otherwise.
 class DownloadFixture
 {
 public:
@@ -47,7 +47,10 @@ public:
     void setPackage(const QByteArray &package);
     ComponentProduct otherProduct(int number) const;
 
-    void serveTicket(TlsService::Handler handler) { service.handleRoute("download-ticket", std::move(handler)); }
+    void serveTicket(TlsService::Handler handler)
+    {
+        service.handleRoute("download-ticket", std::move(handler));
+    }
     void serveFile(TlsService::Handler handler) { service.handleRoute("download-file", std::move(handler)); }
     void serveGood();
 

@@ -1,6 +1,5 @@
 #include "tests/unit/packages/file_tree.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>

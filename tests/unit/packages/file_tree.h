@@ -7,7 +7,8 @@
 namespace quillmar::test
 {
 
-/// Everything below `top`, by relative path: files with content, folders, links with their target, special files.
+/// Everything below `top`, by relative path: files with content, folders, links with their target, special
+/// files.
 QMap<QString, QByteArray> treeBelow(const QString &top);
 
 /// Content of a file; null when it cannot be opened.

@@ -133,8 +133,8 @@ void PackageCacheTest::putRecord(const QJsonObject &record) const
 void PackageCacheTest::identityIsTheDigestOfTheFields()
 {
     product_.product_version = u"۱.۰"_s;
-    const QByteArray bytes = QByteArray("pack") + '\0' + u"۱.۰"_s.toUtf8() + '\0' + "Pack.zip" + '\0' + "11" + '\0' +
-                             product_.sha256.toLatin1();
+    const QByteArray bytes = QByteArray("pack") + '\0' + u"۱.۰"_s.toUtf8() + '\0' + "Pack.zip" + '\0' + "11" +
+                             '\0' + product_.sha256.toLatin1();
     QCOMPARE(productIdentity(product_), digestOf(bytes));
 }
 
@@ -151,8 +151,9 @@ void PackageCacheTest::identityOfAnUnknownDigestHasNoLastPart()
 void PackageCacheTest::everyFieldChangesTheIdentity()
 {
     QSet<QString> identities{productIdentity(product_)};
-    for (QString ComponentProduct::*field : {&ComponentProduct::product_key, &ComponentProduct::product_version,
-                                             &ComponentProduct::file_name, &ComponentProduct::sha256}) {
+    for (QString ComponentProduct::*field :
+         {&ComponentProduct::product_key, &ComponentProduct::product_version, &ComponentProduct::file_name,
+          &ComponentProduct::sha256}) {
         ComponentProduct other = product_;
         other.*field += u'x';
         identities.insert(productIdentity(other));
@@ -194,8 +195,8 @@ void PackageCacheTest::layoutOnDisk()
 {
     QVERIFY(store().isOk());
     const QString folder = u".quillmar-cache/"_s + productIdentity(product_);
-    QCOMPARE(treeBelow(root_).keys(),
-             QStringList({u".quillmar-cache"_s, folder, folder + u"/manifest.json"_s, folder + u"/product"_s}));
+    QCOMPARE(treeBelow(root_).keys(), QStringList({u".quillmar-cache"_s, folder, folder + u"/manifest.json"_s,
+                                                   folder + u"/product"_s}));
     QCOMPARE(fileContent(packagePath()), kBytes);
 }
 
@@ -271,7 +272,8 @@ void PackageCacheTest::refusedPackage_data()
     QTest::addColumn<QString>("digest");
     const QString digest = digestOf(kBytes);
     QTest::newRow("empty") << QByteArray() << u"pack"_s << qint64(0) << QString();
-    QTest::newRow("empty, size 0, digest of nothing") << QByteArray() << u"pack"_s << qint64(0) << digestOf({});
+    QTest::newRow("empty, size 0, digest of nothing")
+        << QByteArray() << u"pack"_s << qint64(0) << digestOf({});
     QTest::newRow("too short") << kBytes << u"pack"_s << qint64(12) << QString();
     QTest::newRow("too long") << kBytes << u"pack"_s << qint64(10) << QString();
     QTest::newRow("wrong size, right digest") << kBytes << u"pack"_s << qint64(12) << digest;
@@ -377,7 +379,8 @@ void PackageCacheTest::folderInPlaceOfTheRecord()
 void PackageCacheTest::linkOnTheWay_data()
 {
     QTest::addColumn<QString>("position");
-    for (const QString &position : {u"parent"_s, u"root"_s, u"cache"_s, u"identity"_s, u"package"_s, u"record"_s})
+    for (const QString &position :
+         {u"parent"_s, u"root"_s, u"cache"_s, u"identity"_s, u"package"_s, u"record"_s})
         QTest::newRow(qPrintable(position)) << position;
     QTest::newRow("dangling package") << u"dangling"_s;
 }

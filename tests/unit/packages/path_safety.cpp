@@ -34,7 +34,9 @@ void PathSafetyTest::productKey_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<bool>("safe");
-    const auto good = [](const QString &key) { QTest::newRow(qPrintable(u"good "_s + key.left(20))) << key << true; };
+    const auto good = [](const QString &key) {
+        QTest::newRow(qPrintable(u"good "_s + key.left(20))) << key << true;
+    };
     const auto bad = [](const char *name, const QString &key) { QTest::newRow(name) << key << false; };
     for (const QString &key : {u"a"_s, u"Z"_s, u"0"_s, u"my.pack-1_2"_s, u"CONSOLE"_s, u"COM10"_s, u"a.con"_s,
                                u"a-"_s, u"a_"_s, u"nul-1"_s, u"LPT"_s, u"aux_"_s})
@@ -105,7 +107,9 @@ void PathSafetyTest::relativePath_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("expected");
     const auto kept = [](const char *name, const QString &path) { QTest::newRow(name) << path << path; };
-    const auto refused = [](const char *name, const QString &path) { QTest::newRow(name) << path << QString(); };
+    const auto refused = [](const char *name, const QString &path) {
+        QTest::newRow(name) << path << QString();
+    };
     QTest::newRow("backslash becomes slash") << u"overlays\\frame.png"_s << u"overlays/frame.png"_s;
     QTest::newRow("one trailing slash goes") << u"overlays/"_s << u"overlays"_s;
     QTest::newRow("one trailing backslash goes") << u"overlays\\"_s << u"overlays"_s;
@@ -174,8 +178,10 @@ void PathSafetyTest::controlCharactersAreRefused()
 
 void PathSafetyTest::deviceNamesAreRefusedInEveryCase()
 {
-    for (const QString &stem : {u"con"_s, u"prn"_s, u"aux"_s, u"nul"_s, u"com0"_s, u"com9"_s, u"lpt0"_s, u"lpt5"_s}) {
-        for (const QString &name : {stem, stem.toUpper(), QString(stem + u".txt"_s), QString(stem + u".tar.gz"_s)}) {
+    for (const QString &stem :
+         {u"con"_s, u"prn"_s, u"aux"_s, u"nul"_s, u"com0"_s, u"com9"_s, u"lpt0"_s, u"lpt5"_s}) {
+        for (const QString &name :
+             {stem, stem.toUpper(), QString(stem + u".txt"_s), QString(stem + u".tar.gz"_s)}) {
             QVERIFY2(safeRelativePath(u"a/"_s + name + u"/b"_s).isEmpty(), qPrintable(name));
             QVERIFY2(!isSafeProductKey(name), qPrintable(name));
         }

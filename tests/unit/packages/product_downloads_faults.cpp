@@ -45,8 +45,8 @@ QByteArray redirect(int status, const QByteArray &location)
 
 } // namespace
 
-/// What acquire() does with a service, or a disk, that does not behave: the right key, nothing left behind, and the next
-/// try works.
+/// What acquire() does with a service, or a disk, that does not behave: the right key, nothing left behind,
+/// and the next try works.
 class ProductDownloadsFaultsTest : public QObject
 {
     Q_OBJECT
@@ -99,8 +99,8 @@ void ProductDownloadsFaultsTest::addFailureRows()
     };
     const QStringList expired{u"done"_s, u"expired"_s};
     for (const int status : {401, 403}) {
-        QTest::addRow("%d", status) << TlsService::json(status, {}) << Then::Nothing << u"Status.LoginRequired"_s
-                                    << expired;
+        QTest::addRow("%d", status) << TlsService::json(status, {}) << Then::Nothing
+                                    << u"Status.LoginRequired"_s << expired;
         QTest::addRow("%d without JSON", status)
             << TlsService::response(status, "<html>no</html>", "text/html") << Then::Nothing
             << u"Status.LoginRequired"_s << expired;
@@ -111,8 +111,8 @@ void ProductDownloadsFaultsTest::addFailureRows()
     failed("429 quota in another case", withCode(429, u"Download_Quota_Reached"_s));
     failed("429 without code", TlsService::json(429, {}));
     failed("429 without JSON", TlsService::response(429, "slow down", "text/plain"));
-    failed("429 cut off in the code", "HTTP/1.1 429 No\r\nContent-Length: 99\r\n\r\n{\"code\":\"download_quota_re",
-           Then::Close);
+    failed("429 cut off in the code",
+           "HTTP/1.1 429 No\r\nContent-Length: 99\r\n\r\n{\"code\":\"download_quota_re", Then::Close);
     failed("quota code with 400", withCode(400, u"download_quota_reached"_s));
     failed("quota code with 500", withCode(500, u"download_quota_reached"_s));
     for (const int status : {204, 206, 400, 404, 500, 502, 503, 999})
@@ -130,8 +130,10 @@ void ProductDownloadsFaultsTest::addFailureRows()
     failed("broken chunk size", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nZZ\r\nabc\r\n0\r\n\r\n",
            Then::Close);
     failed("huge chunk size",
-           "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nFFFFFFFFFFFFFFFF\r\nabc\r\n0\r\n\r\n", Then::Close);
-    failed("cut off in a chunk", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n40\r\nabc", Then::Close);
+           "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nFFFFFFFFFFFFFFFF\r\nabc\r\n0\r\n\r\n",
+           Then::Close);
+    failed("cut off in a chunk", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n40\r\nabc",
+           Then::Close);
     failed("HTML", TlsService::response(200, "<!doctype html><p>Hello", "text/html"));
 }
 
@@ -257,8 +259,8 @@ void ProductDownloadsFaultsTest::challengeIsNotAnswered()
 {
     QFETCH(const QByteArray, route);
     QFETCH(const QByteArray, challenge);
-    f_->service.handleRoute(route, TlsService::always(TlsService::response(401, "{}", "application/json",
-                                                                           {{"WWW-Authenticate", challenge}})));
+    f_->service.handleRoute(route, TlsService::always(TlsService::response(
+                                       401, "{}", "application/json", {{"WWW-Authenticate", challenge}})));
     QCOMPARE(f_->acquired().error, u"Status.LoginRequired"_s);
     QCOMPARE(f_->service.count(route), 1);
     QCOMPARE(f_->events, QStringList({u"done"_s, u"expired"_s}));

@@ -398,7 +398,8 @@ void ProductDownloadsLifetimeTest::completionMayDeleteTheOwner()
 {
     QFETCH(const QByteArray, ticket);
     f_->serveTicket(TlsService::always(ticket));
-    f_->downloads->acquire(f_->product, &f_->context, [this](const ProductFileResult &) { f_->downloads.reset(); });
+    f_->downloads->acquire(f_->product, &f_->context,
+                           [this](const ProductFileResult &) { f_->downloads.reset(); });
     const auto later = f_->acquire();
     QTRY_VERIFY(!f_->downloads);
     f_->events.removeAll(u"quota"_s);

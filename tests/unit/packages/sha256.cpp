@@ -25,7 +25,8 @@ void Sha256Test::knownDigests_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QByteArray>("digest");
     QTest::newRow("nothing") << QByteArray()
-                             << QByteArray("e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+                             << QByteArray(
+                                    "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
     QTest::newRow("abc") << QByteArray("abc")
                          << QByteArray("ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
     QTest::newRow("a million times a")

@@ -1,4 +1,5 @@
 #include "ui/plain_tool_tip.h"
+#include "ui/wrapping_label.h"
 
 #include <QHelpEvent>
 #include <QTest>
@@ -15,7 +16,7 @@ namespace
 /// The tool tip that a pointer resting on a label with `text` brings up.
 QString shownFor(const QString &text)
 {
-    LongToolTipLabel label(u"label"_s);
+    WrappingLabel label;
     setPlainToolTip(&label, text);
     label.show();
     const QPoint middle = label.rect().center();

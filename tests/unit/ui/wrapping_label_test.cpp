@@ -1,0 +1,67 @@
+#include "ui/wrapping_label.h"
+
+#include <QTest>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace quillmar::test
+{
+
+class WrappingLabelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void isPlainAndWrapped();
+    void neverWidensItsPlace();
+    void layoutGivesItTheHeightOfItsText();
+    void heightFollowsTheWidth();
+};
+
+void WrappingLabelTest::isPlainAndWrapped()
+{
+    const WrappingLabel label;
+    QCOMPARE(label.textFormat(), Qt::PlainText);
+    QVERIFY(label.wordWrap());
+    QCOMPARE(label.sizePolicy().horizontalPolicy(), QSizePolicy::Ignored);
+    QCOMPARE(label.sizePolicy().verticalPolicy(), QSizePolicy::Preferred);
+    QVERIFY(label.hasHeightForWidth());
+}
+
+void WrappingLabelTest::neverWidensItsPlace()
+{
+    QWidget window;
+    auto *layout = new QVBoxLayout(&window);
+    auto *label = new WrappingLabel;
+    label->setText(QString(2000, u'W'));
+    layout->addWidget(label);
+    QVERIFY(window.minimumSizeHint().width() < 100);
+    QCOMPARE(label->minimumSizeHint().width(), 0);
+}
+
+void WrappingLabelTest::layoutGivesItTheHeightOfItsText()
+{
+    QWidget window;
+    auto *layout = new QVBoxLayout(&window);
+    auto *label = new WrappingLabel;
+    label->setText(u"one two three four five six seven eight nine ten eleven twelve"_s);
+    layout->addWidget(label);
+    layout->addStretch();
+    window.resize(150, 600);
+    layout->activate();
+    QCOMPARE(label->height(), label->heightForWidth(label->width()));
+    QVERIFY(label->height() > 2 * label->fontMetrics().height());
+}
+
+void WrappingLabelTest::heightFollowsTheWidth()
+{
+    WrappingLabel label;
+    label.setText(u"one two three four five six seven eight nine ten"_s);
+    QVERIFY(label.heightForWidth(80) > label.heightForWidth(1000));
+}
+
+} // namespace quillmar::test
+
+QTEST_MAIN(quillmar::test::WrappingLabelTest)
+#include "wrapping_label_test.moc"

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QLabel>
+
+namespace quillmar
+{
+
+/// A label for texts of any length: plain text, wrapped at the width of its place and never a reason to widen
+/// it.
+///
+/// Belongs into a layout, which asks for the height at a width; the size hints say nothing about the text,
+/// because measuring it for them is what makes long lists slow. A long tool tip is shown wrapped and bounded,
+/// while the property `toolTip`, set by setPlainToolTip(), keeps the whole text.
+class WrappingLabel : public QLabel
+{
+    Q_OBJECT
+
+public:
+    explicit WrappingLabel(QWidget *parent = nullptr);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent *event) override;
+};
+
+} // namespace quillmar
