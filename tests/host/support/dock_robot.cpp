@@ -11,6 +11,7 @@ namespace
 {
 
 constexpr int WheelStepsAtOnce = 1;
+constexpr std::chrono::milliseconds ClickEffect = 2s;
 
 bool isUsable(const Widget &widget)
 {
@@ -110,16 +111,21 @@ bool DockRobot::choose(const Choice &combo, const QString &text)
         const Widget *box = combo(now);
         return box && box->text == text;
     };
+    const auto popup = [this] {
+        return WidgetTree(driver_.ask(u"widgets"_s, {{u"of"_s, u"popup"_s}}).toArray());
+    };
     const auto clickRow = [&] {
-        const WidgetTree popup(driver_.ask(u"widgets"_s, {{u"of"_s, u"popup"_s}}).toArray());
-        if (popup.isEmpty() && chosen())
-            return true;
-        for (const Widget &view : popup.all()) {
+        const WidgetTree list = popup();
+        if (list.isEmpty())
+            return chosen();
+        for (const Widget &view : list.all()) {
             for (const Widget::Row &row : view.rows) {
                 if (row.text == text)
                     hand_.click(row.rect.center());
             }
         }
+        // A second click while the first is on its way would open the list again.
+        waitUntil([&popup] { return popup().isEmpty(); }, ClickEffect);
         return false;
     };
     if (chosen())

@@ -112,6 +112,10 @@ void HostileProductTest::megabyteName()
     const ProductCard card(product(text, text, text), {texts_, nullptr}, [] {}, nullptr);
     QCOMPARE(CardView(&card).name()->text().size(), text.size());
     QCOMPARE(CardView(&card).description()->property("productDescription").toString().size(), 238);
+    ProductList list({texts_, nullptr}, [] {});
+    list.resize(300, 500);
+    list.setProducts({product(text, text, text)});
+    QVERIFY(!list.grab().isNull());
 }
 
 void HostileProductTest::longWordDoesNotWiden()

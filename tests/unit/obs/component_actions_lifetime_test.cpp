@@ -47,6 +47,7 @@ void ComponentActionsLifetimeTest::widgetDestroyedOnTheWay()
 void ComponentActionsLifetimeTest::widgetDestroyedInsideTheNameDialog()
 {
     CachedFixture fixture{true};
+    fixture.product = {}; // the widget has the last copy
     fixture.window->afterNaming = [&] { fixture.actions.reset(); };
     fixture.addButton(Fixture::Stinger)->click();
 

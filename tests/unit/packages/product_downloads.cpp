@@ -11,7 +11,6 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTest>
 #include <QTimer>
@@ -22,7 +21,7 @@ using namespace quillmar;
 using namespace quillmar::test;
 using namespace Qt::StringLiterals;
 
-/// What acquire() and materialize() do with a service that behaves.
+/// What acquire() does with a service that behaves.
 class ProductDownloadsTest : public QObject
 {
     Q_OBJECT
@@ -55,30 +54,18 @@ private Q_SLOTS:
     void stuckDownloadsLeaveAConnectionToOthers();
     void waitingDownloadsGetTheirTurn();
 
-    void materializesTheWholePackage();
-    void materializesAComponent();
-    void damagedArchiveIsForgotten();
-    void unsafePathKeepsThePackage();
-    void materializeCopiesItsArguments();
-    void materializeWithoutContextIsNotAnswered();
-    void sameComponentTwiceAtOnce();
-
 private:
-    ProductFileResult materialized(const QString &path, const std::optional<ProductComponent> &component);
-
     std::optional<DownloadFixture> f_;
 };
 
 namespace
 {
 
-ProductComponent fileComponent(const QString &path)
-{
-    ProductComponent component;
-    component.asset_path = path;
-    component.asset_kind = u"file"_s;
-    return component;
-}
+#ifdef __SANITIZE_ADDRESS__
+constexpr qint64 kMaxGrowth = 1024LL * 1024 * 1024; ///< the sanitizer keeps what was freed
+#else
+constexpr qint64 kMaxGrowth = 32LL * 1024 * 1024;
+#endif
 
 /// Largest resident memory of this process so far, in bytes.
 qint64 peakMemory()
@@ -335,7 +322,7 @@ void ProductDownloadsTest::largePackageNeedsLittleMemory()
     QCOMPARE(result.error, QString());
     QCOMPARE(QFileInfo(result.path).size(), length);
     const qint64 grown = peakMemory() - before;
-    QVERIFY2(grown < 32LL * 1024 * 1024, qPrintable(QString::number(grown)));
+    QVERIFY2(grown < kMaxGrowth, qPrintable(QString::number(grown)));
 }
 
 void ProductDownloadsTest::stuckDownloadsLeaveAConnectionToOthers()
@@ -364,102 +351,6 @@ void ProductDownloadsTest::waitingDownloadsGetTheirTurn()
         QCOMPARE(outcome->result.error, QString());
     }
     QCOMPARE(f_->files(), 12);
-}
-
-ProductFileResult ProductDownloadsTest::materialized(const QString &path,
-                                                     const std::optional<ProductComponent> &component)
-{
-    const auto outcome = std::make_shared<Outcome>();
-    f_->downloads->materialize(f_->product, path, component, &f_->context, f_->completionFor(outcome));
-    if (outcome->calls != 0 || !QTest::qWaitFor([&outcome] { return outcome->calls == 1; }))
-        return ProductFileResult::failure(u"not answered once, later"_s);
-    return outcome->result;
-}
-
-void ProductDownloadsTest::materializesTheWholePackage()
-{
-    const ProductFileResult result = materialized(f_->acquired().path, std::nullopt);
-    QCOMPARE(result.error, QString());
-    QCOMPARE(result.path, outputDirectory(f_->root(), f_->product) + u"/Pack.bin"_s);
-    QCOMPARE(fileContent(result.path), f_->bytes);
-}
-
-void ProductDownloadsTest::materializesAComponent()
-{
-    const ProductFileResult result = materialized(f_->acquired().path, fileComponent(u"Pack.bin"_s));
-    QCOMPARE(result.error, QString());
-    QCOMPARE(result.path, outputDirectory(f_->root(), f_->product) + u"/Components/Pack.bin"_s);
-    QCOMPARE(materialized(f_->acquired().path, fileComponent(u"other.png"_s)).error,
-             u"Component.FileMissing"_s);
-}
-
-void ProductDownloadsTest::damagedArchiveIsForgotten()
-{
-    f_->product.file_name = u"Pack.zip"_s;
-    const QString path = f_->acquired().path;
-    QCOMPARE(materialized(path, fileComponent(u"a.png"_s)).error, u"Component.InvalidArchive"_s);
-    QVERIFY(!QFileInfo::exists(cachedRecordPath(f_->root(), f_->product)));
-    QVERIFY(QFileInfo::exists(path));
-    QCOMPARE(f_->acquired().path, path);
-    QCOMPARE(f_->files(), 2);
-}
-
-void ProductDownloadsTest::unsafePathKeepsThePackage()
-{
-    f_->product.file_name = u"Pack.zip"_s;
-    const QString path = f_->acquired().path;
-    QCOMPARE(materialized(path, fileComponent(u"../a.png"_s)).error, u"Component.UnsafePath"_s);
-    QCOMPARE(materialized(f_->folder() + u"/elsewhere"_s, fileComponent(u"a.png"_s)).error,
-             u"Component.UnsafePath"_s);
-    QCOMPARE(findCachedPackage(f_->root(), f_->product), path);
-}
-
-void ProductDownloadsTest::materializeCopiesItsArguments()
-{
-    QString path = f_->acquired().path;
-    const auto outcome = std::make_shared<Outcome>();
-    {
-        ComponentProduct product = f_->product;
-        std::optional<ProductComponent> component = fileComponent(u"Pack.bin"_s);
-        f_->downloads->materialize(product, path, component, &f_->context, f_->completionFor(outcome));
-        product = {};
-        component.reset();
-        path.clear();
-    }
-    QTRY_COMPARE(outcome->calls, 1);
-    QVERIFY(outcome->result.isOk());
-}
-
-void ProductDownloadsTest::materializeWithoutContextIsNotAnswered()
-{
-    const QString path = f_->acquired().path;
-    const auto nobody = std::make_shared<Outcome>();
-    const auto gone = std::make_shared<Outcome>();
-    auto receiver = std::make_unique<QObject>();
-    f_->downloads->materialize(f_->product, path, std::nullopt, nullptr, f_->completionFor(nobody));
-    f_->downloads->materialize(f_->product, path, std::nullopt, receiver.get(), f_->completionFor(gone));
-    receiver.reset();
-    for (int i = 0; i < 3; ++i)
-        QVERIFY(materialized(path, std::nullopt).isOk());
-    f_->downloads.reset();
-    QCOMPARE(nobody->calls, 0);
-    QCOMPARE(gone->calls, 0);
-}
-
-void ProductDownloadsTest::sameComponentTwiceAtOnce()
-{
-    const QString path = f_->acquired().path;
-    QList<std::shared_ptr<Outcome>> outcomes;
-    for (int i = 0; i < 50; ++i) {
-        outcomes.append(std::make_shared<Outcome>());
-        f_->downloads->materialize(f_->product, path, fileComponent(u"Pack.bin"_s), &f_->context,
-                                   f_->completionFor(outcomes.last()));
-    }
-    for (const auto &outcome : std::as_const(outcomes)) {
-        QTRY_COMPARE(outcome->calls, 1);
-        QVERIFY(outcome->result.isOk());
-        QCOMPARE(fileContent(outcome->result.path), f_->bytes);
-    }
 }
 
 QTEST_GUILESS_MAIN(ProductDownloadsTest)

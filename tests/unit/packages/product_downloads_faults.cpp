@@ -1,14 +1,8 @@
-#include "packages/package_cache.h"
-#include "packages/product_identity.h"
-#include "tests/unit/packages/disk_limit.h"
 #include "tests/unit/packages/download_fixture.h"
 #include "tests/unit/packages/file_tree.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QJsonObject>
 #include <QTest>
-#include <QTimer>
 
 #include <optional>
 
@@ -45,7 +39,7 @@ QByteArray redirect(int status, const QByteArray &location)
 
 } // namespace
 
-/// What acquire() does with a service, or a disk, that does not behave: the right key, nothing left behind,
+/// What acquire() does with a service that does not behave: the right key, nothing left behind,
 /// and the next try works.
 class ProductDownloadsFaultsTest : public QObject
 {
@@ -67,18 +61,6 @@ private Q_SLOTS:
     void untrustedService();
     void completionComesBeforeTheHandler_data();
     void completionComesBeforeTheHandler();
-
-    void bodyBeyondItsSizeStopsEarly_data();
-    void bodyBeyondItsSizeStopsEarly();
-    void bodyOneByteTooLong();
-    void endlessReasonStopsEarly_data();
-    void endlessReasonStopsEarly();
-    void wrongDigestKeepsTheOldPackage();
-
-    void fullDisk();
-    void fullDiskAndWrongDigest();
-    void fileInPlaceOfTheCacheFolder();
-    void linkedRoot();
 
 private:
     void addFailureRows();
@@ -305,122 +287,6 @@ void ProductDownloadsFaultsTest::completionComesBeforeTheHandler()
     QTRY_COMPARE(f_->events.size(), 3);
     QTEST(f_->events, "events");
     QCOMPARE(one->result.error, other->result.error);
-}
-
-void ProductDownloadsFaultsTest::bodyBeyondItsSizeStopsEarly_data()
-{
-    QTest::addColumn<QByteArray>("head");
-    QTest::newRow("honest length") << DownloadFixture::head(4'000'000'000);
-    QTest::newRow("no length") << QByteArray("HTTP/1.1 200 OK\r\n\r\n");
-}
-
-void ProductDownloadsFaultsTest::bodyBeyondItsSizeStopsEarly()
-{
-    QFETCH(const QByteArray, head);
-    qint64 sent = 0;
-    bool wasDropped = false;
-    QTimer feeder;
-    f_->serveFile([&](const WireRequest &, WireConnection &connection) {
-        connection.send(head);
-        connect(&feeder, &QTimer::timeout, &feeder, [&, wire = connection]() mutable {
-            static const QByteArray piece(128 * 1024, 'e');
-            wasDropped = !wire.isOpen();
-            if (!wasDropped && wire.bytesToWrite() < piece.size()) {
-                wire.send(piece);
-                sent += piece.size();
-            }
-        });
-        feeder.start(0);
-    });
-    QCOMPARE(f_->acquired().error, u"Download.Failed"_s);
-    QTRY_VERIFY(wasDropped);
-    feeder.stop();
-    QVERIFY2(sent < 32 * 1024 * 1024, qPrintable(QString::number(sent)));
-    expectFailureThenSuccess(u"Download.Failed"_s);
-}
-
-void ProductDownloadsFaultsTest::bodyOneByteTooLong()
-{
-    f_->product.sha256.clear();
-    f_->serveFile(TlsService::always(TlsService::response(200, f_->bytes + '!')));
-    expectFailureThenSuccess(u"Download.Failed"_s);
-}
-
-void ProductDownloadsFaultsTest::endlessReasonStopsEarly_data()
-{
-    QTest::addColumn<QByteArray>("route");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("error");
-    QTest::newRow("ticket 200") << QByteArray("download-ticket") << 200 << u"Download.Failed"_s;
-    QTest::newRow("ticket 403") << QByteArray("download-ticket") << 403 << u"Status.LoginRequired"_s;
-    QTest::newRow("file 429") << QByteArray("download-file") << 429 << u"Download.Failed"_s;
-    QTest::newRow("file 403") << QByteArray("download-file") << 403 << u"Status.LoginRequired"_s;
-}
-
-void ProductDownloadsFaultsTest::endlessReasonStopsEarly()
-{
-    QFETCH(const QByteArray, route);
-    QFETCH(const int, status);
-    QFETCH(const QString, error);
-    QTimer feeder;
-    f_->service.handleRoute(route, [&](const WireRequest &, WireConnection &connection) {
-        connection.send("HTTP/1.1 " + QByteArray::number(status) + " Endless\r\n\r\n");
-        connect(&feeder, &QTimer::timeout, &feeder, [wire = connection]() mutable {
-            static const QByteArray piece(128 * 1024, ' ');
-            if (wire.isOpen() && wire.bytesToWrite() < piece.size())
-                wire.send(piece);
-        });
-        feeder.start(0);
-    });
-    QCOMPARE(f_->acquired().error, error);
-}
-
-void ProductDownloadsFaultsTest::wrongDigestKeepsTheOldPackage()
-{
-    const QString path = f_->acquired().path;
-    dropPackageRecord(f_->root(), f_->product);
-    const auto before = treeBelow(f_->folder());
-    QByteArray changed = f_->bytes;
-    changed[0] = '!';
-    f_->serveFile(TlsService::always(TlsService::response(200, changed)));
-    QCOMPARE(f_->acquired().error, u"Download.Failed"_s);
-    QCOMPARE(treeBelow(f_->folder()), before);
-    QCOMPARE(fileContent(path), f_->bytes);
-}
-
-void ProductDownloadsFaultsTest::fullDisk()
-{
-    {
-        const DiskLimit limit(50'000);
-        QCOMPARE(f_->acquired().error, u"Download.SaveFailed"_s);
-    }
-    QCOMPARE(f_->events, QStringList({u"quota"_s, u"done"_s}));
-    QVERIFY(treeBelow(f_->folder()).isEmpty());
-    QCOMPARE(f_->acquired().error, QString());
-}
-
-void ProductDownloadsFaultsTest::fullDiskAndWrongDigest()
-{
-    const DiskLimit limit(50'000);
-    f_->product.sha256 = QString(64, u'a');
-    QCOMPARE(f_->acquired().error, u"Download.Failed"_s);
-    QVERIFY(treeBelow(f_->folder()).isEmpty());
-}
-
-void ProductDownloadsFaultsTest::fileInPlaceOfTheCacheFolder()
-{
-    putFile(f_->root() + u"/.quillmar-cache"_s, "a file");
-    QCOMPARE(f_->acquired().error, u"Download.SaveFailed"_s);
-    QVERIFY(QFile::remove(f_->root() + u"/.quillmar-cache"_s));
-    QCOMPARE(f_->acquired().error, QString());
-}
-
-void ProductDownloadsFaultsTest::linkedRoot()
-{
-    QVERIFY(QDir().mkpath(f_->folder() + u"/outside"_s));
-    QVERIFY(QFile::link(f_->folder() + u"/outside"_s, f_->root()));
-    QCOMPARE(f_->acquired().error, u"Download.SaveFailed"_s);
-    QVERIFY(treeBelow(f_->folder() + u"/outside"_s).isEmpty());
 }
 
 QTEST_GUILESS_MAIN(ProductDownloadsFaultsTest)

@@ -6,7 +6,6 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
-#include <QJsonObject>
 #include <QRandomGenerator>
 #include <QTest>
 
@@ -58,16 +57,6 @@ private Q_SLOTS:
     void anythingGoneAtAnyTime();
     void destructorWaitsForWorkers();
 
-    void completionMayAcquireAgain();
-    void failedCompletionMayAcquireAgain();
-    void completionMaySignOut();
-    void completionMayDeleteAnotherContext();
-    void completionMayDeleteTheOwner_data();
-    void completionMayDeleteTheOwner();
-    void quotaHandlerMayDeleteTheOwner();
-    void quotaHandlerMaySignOut();
-    void expiredHandlerMayDeleteTheOwner();
-
 private:
     static void addStages();
     std::shared_ptr<Outcome> reach(Stage stage, QObject *context);
@@ -76,14 +65,12 @@ private:
 
     std::optional<DownloadFixture> f_;
     std::optional<WireConnection> held_; ///< the server's end of the request that is kept waiting
-    int quotaCalls_ = 0;
 };
 
 void ProductDownloadsLifetimeTest::init()
 {
     f_.emplace();
     held_.reset();
-    quotaCalls_ = 0;
 }
 
 void ProductDownloadsLifetimeTest::addStages()
@@ -332,117 +319,6 @@ void ProductDownloadsLifetimeTest::destructorWaitsForWorkers()
     QCOMPARE(fileContent(outputDirectory(f_->root(), f_->product) + u"/Pack.bin"_s), f_->bytes);
     finishEverything();
     QCOMPARE(outcome->calls, 0);
-}
-
-void ProductDownloadsLifetimeTest::completionMayAcquireAgain()
-{
-    const auto second = std::make_shared<Outcome>();
-    f_->downloads->acquire(f_->product, &f_->context, [&](const ProductFileResult &) {
-        f_->downloads->acquire(f_->product, &f_->context, f_->completionFor(second));
-    });
-    const auto third = f_->acquire();
-    QTRY_COMPARE(second->calls, 1);
-    QVERIFY(second->result.isOk());
-    QCOMPARE(third->calls, 1);
-    QCOMPARE(f_->tickets(), 1);
-}
-
-void ProductDownloadsLifetimeTest::failedCompletionMayAcquireAgain()
-{
-    f_->serveTicket(TlsService::always(TlsService::json(500, {})));
-    const auto second = std::make_shared<Outcome>();
-    f_->downloads->acquire(f_->product, &f_->context, [&](const ProductFileResult &result) {
-        QCOMPARE(result.error, u"Download.Failed"_s);
-        f_->serveGood();
-        f_->downloads->acquire(f_->product, &f_->context, f_->completionFor(second));
-    });
-    QTRY_COMPARE(second->calls, 1);
-    QVERIFY(second->result.isOk());
-    QCOMPARE(f_->tickets(), 2);
-}
-
-void ProductDownloadsLifetimeTest::completionMaySignOut()
-{
-    f_->downloads->acquire(f_->product, &f_->context, [this](const ProductFileResult &) {
-        ++f_->generation;
-        f_->token.clear();
-    });
-    const auto later = f_->acquire();
-    QTRY_VERIFY(f_->token.isEmpty());
-    f_->token = u"token"_s;
-    finishEverything();
-    QCOMPARE(later->calls, 0);
-}
-
-void ProductDownloadsLifetimeTest::completionMayDeleteAnotherContext()
-{
-    auto other = std::make_unique<QObject>();
-    f_->downloads->acquire(f_->product, &f_->context, [&other](const ProductFileResult &) { other.reset(); });
-    const auto gone = std::make_shared<Outcome>();
-    f_->downloads->acquire(f_->product, other.get(), f_->completionFor(gone));
-    const auto last = f_->acquire();
-    QTRY_COMPARE(last->calls, 1);
-    QCOMPARE(gone->calls, 0);
-}
-
-void ProductDownloadsLifetimeTest::completionMayDeleteTheOwner_data()
-{
-    QTest::addColumn<QByteArray>("ticket");
-    QTest::newRow("success") << DownloadFixture::goodTicket();
-    QTest::newRow("failure") << TlsService::json(500, {});
-    QTest::newRow("refused") << TlsService::json(401, {});
-    QTest::newRow("quota") << TlsService::json(429, {{u"code"_s, u"download_quota_reached"_s}});
-}
-
-void ProductDownloadsLifetimeTest::completionMayDeleteTheOwner()
-{
-    QFETCH(const QByteArray, ticket);
-    f_->serveTicket(TlsService::always(ticket));
-    f_->downloads->acquire(f_->product, &f_->context,
-                           [this](const ProductFileResult &) { f_->downloads.reset(); });
-    const auto later = f_->acquire();
-    QTRY_VERIFY(!f_->downloads);
-    f_->events.removeAll(u"quota"_s);
-    finishEverything();
-    QCOMPARE(later->calls, 0);
-    QCOMPARE(f_->events, QStringList({u"quota"_s, u"done"_s}));
-}
-
-void ProductDownloadsLifetimeTest::quotaHandlerMayDeleteTheOwner()
-{
-    f_->onQuota = [this] { f_->downloads.reset(); };
-    const auto outcome = f_->acquire();
-    QTRY_VERIFY(!f_->downloads);
-    f_->onQuota = {};
-    QVERIFY(treeBelow(f_->folder()).isEmpty());
-    finishEverything();
-    QCOMPARE(outcome->calls, 0);
-}
-
-void ProductDownloadsLifetimeTest::quotaHandlerMaySignOut()
-{
-    f_->onQuota = [this] { ++f_->generation; };
-    const auto outcome = f_->acquire();
-    QTRY_VERIFY(!findCachedPackage(f_->root(), f_->product).isEmpty());
-    f_->onQuota = {};
-    finishEverything();
-    QCOMPARE(outcome->calls, 0);
-    const qsizetype tickets = f_->tickets();
-    QCOMPARE(f_->acquired().error, QString());
-    QCOMPARE(f_->tickets(), tickets);
-}
-
-void ProductDownloadsLifetimeTest::expiredHandlerMayDeleteTheOwner()
-{
-    f_->serveFile(TlsService::always(TlsService::json(403, {})));
-    f_->onExpired = [this] { f_->downloads.reset(); };
-    const auto outcome = f_->acquire();
-    QTRY_VERIFY(!f_->downloads);
-    QCOMPARE(outcome->calls, 1);
-    QCOMPARE(outcome->result.error, u"Status.LoginRequired"_s);
-    f_->onExpired = {};
-    finishEverything();
-    QCOMPARE(outcome->calls, 1);
 }
 
 QTEST_GUILESS_MAIN(ProductDownloadsLifetimeTest)

@@ -1,5 +1,6 @@
 #include "tests/unit/ui/dock_fixture.h"
 
+#include <QImage>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -14,6 +15,19 @@ void switchTo(Dock &dock, const QString &language)
 {
     dock.texts.setLanguage(language);
     dock.panel.retranslate();
+}
+
+/// Whether anything is painted in the quarter of the picture that begins at column `from`.
+bool hasInk(const QImage &image, int from)
+{
+    const QRgb background = image.pixel(image.width() / 2, 0);
+    for (int x = from; x < from + image.width() / 4; ++x) {
+        for (int y = 0; y < image.height(); ++y) {
+            if (image.pixel(x, y) != background)
+                return true;
+        }
+    }
+    return false;
 }
 
 /// Left edge of `widget` inside the panel.
@@ -42,6 +56,8 @@ private Q_SLOTS:
     void rawKeysWithoutLocaleFile();
     void listAndBannerFollow();
     void selectorKeepsItsItems();
+    void messagesStandAtTheReadingSide_data();
+    void messagesStandAtTheReadingSide();
 };
 
 void DockRetranslationTest::persianDirections()
@@ -192,6 +208,31 @@ void DockRetranslationTest::selectorKeepsItsItems()
     switchTo(dock, EnglishCode);
     QCOMPARE(dock.selector()->itemText(0), u"فارسی"_s);
     QCOMPARE(dock.selector()->itemText(1), u"English"_s);
+}
+
+void DockRetranslationTest::messagesStandAtTheReadingSide_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<bool>("right");
+    QTest::newRow("persian at the right") << u"fa-IR"_s << true;
+    QTest::newRow("english at the left") << u"en-US"_s << false;
+}
+
+void DockRetranslationTest::messagesStandAtTheReadingSide()
+{
+    QFETCH(QString, language);
+    QFETCH(bool, right);
+    Dock dock(language);
+    dock.panel.resize(900, 700);
+    dock.panel.showHomeView();
+    dock.panel.showProductsMessage("Products.Loading"_L1);
+    dock.panel.showStatus(AccountView::Tone::Progress, "Logout.Progress"_L1);
+    dock.panel.show();
+    for (QLabel *label : {dock.label(Dock::Status), dock.label(Dock::Message), dock.label(Dock::Welcome)}) {
+        const QImage image = label->grab().toImage();
+        QVERIFY(hasInk(image, right ? image.width() * 3 / 4 : 0));
+        QVERIFY(!hasInk(image, right ? 0 : image.width() * 3 / 4));
+    }
 }
 
 } // namespace quillmar::test
