@@ -2,6 +2,7 @@
 
 #include "obs/source_insertion.h"
 #include "ui/plain_tool_tip.h"
+#include "ui/wrapping_label.h"
 
 #include <QDir>
 #include <QFrame>
@@ -46,9 +47,9 @@ QString buttonStyle(const ButtonColours &colours)
                colours.normal, colours.hover, colours.pressed, colours.disabled);
 }
 
-QLabel *createStatusLabel()
+QLabel *createStatusLabel(QWidget *parent)
 {
-    auto *label = new QLabel;
+    auto *label = new QLabel(parent);
     label->setWordWrap(true);
     label->setTextFormat(Qt::PlainText);
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -73,8 +74,8 @@ ComponentActions::ComponentActions(const ComponentProduct &product, ProductDownl
       product_(product),
       downloads_(downloads),
       localisation_(localisation),
-      toggle_(new QPushButton),
-      container_(new QWidget)
+      toggle_(new QPushButton(this)),
+      container_(new QWidget(this))
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -91,7 +92,7 @@ ComponentActions::ComponentActions(const ComponentProduct &product, ProductDownl
         addCard(cards, index);
     }
     addAction(layout, 0, layout,
-              {new QPushButton, createStatusLabel(), WholePackage, false, "Component.FullDownload"});
+              {new QPushButton(this), createStatusLabel(this), WholePackage, false, "Component.FullDownload"});
 
     if (expanded) {
         toggle_->setChecked(true);
@@ -105,7 +106,7 @@ ComponentActions::ComponentActions(const ComponentProduct &product, ProductDownl
 void ComponentActions::addCard(QBoxLayout *layout, qint32 componentIndex)
 {
     const ProductComponent &component = product_.components.at(componentIndex);
-    auto *card = new QFrame;
+    auto *card = new QFrame(container_);
     card->setObjectName(u"quillmarComponentCard"_s);
     card->setStyleSheet(
         u"QFrame#quillmarComponentCard { background-color: #111a15; border: 1px solid #365c2c; "
@@ -115,10 +116,8 @@ void ComponentActions::addCard(QBoxLayout *layout, qint32 componentIndex)
     auto *cardLayout = new QVBoxLayout(card);
     cardLayout->setContentsMargins(8, 8, 8, 8);
     cardLayout->setSpacing(6);
-    auto *title = new QLabel;
-    title->setTextFormat(Qt::PlainText);
+    auto *title = new WrappingLabel(card);
     title->setText(component.component_name);
-    title->setWordWrap(true);
     cardLayout->addWidget(title);
 
     auto *row = new QHBoxLayout;
@@ -126,11 +125,11 @@ void ComponentActions::addCard(QBoxLayout *layout, qint32 componentIndex)
     cardLayout->addLayout(row);
     if (canAdd(component)) {
         addAction(row, 1, cardLayout,
-                  {new QPushButton, createStatusLabel(), componentIndex, true, "Component.Add"});
+                  {new QPushButton(card), createStatusLabel(card), componentIndex, true, "Component.Add"});
     }
     if (hasUsableAsset(component)) {
         addAction(row, 1, cardLayout,
-                  {new QPushButton, createStatusLabel(), componentIndex, false, "Product.Download"});
+                  {new QPushButton(card), createStatusLabel(card), componentIndex, false, "Product.Download"});
     }
 }
 

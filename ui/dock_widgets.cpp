@@ -37,7 +37,9 @@ protected:
     {
         QFrame::paintEvent(event);
         QPainter painter(this);
-        const auto flags = (alignment() | Qt::AlignAbsolute).toInt() | Qt::TextWordWrap;
+        const int direction =
+            layoutDirection() == Qt::RightToLeft ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
+        const int flags = (alignment() | Qt::AlignAbsolute).toInt() | direction | Qt::TextWordWrap;
         style()->drawItemText(&painter, contentsRect(), flags, palette(), isEnabled(), text(),
                               foregroundRole());
     }

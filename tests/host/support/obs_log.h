@@ -12,10 +12,11 @@ struct ObsLog {
     int leaks = -1;
     /// Lines of the module, without time stamp, in order: "[quillmar-obs-plugin] ...".
     QStringList ownLines;
-    /// Lines that begin with "error:" after the time stamp, whoever wrote them.
+    /// What stands behind "error: " on OBS's output, whoever wrote it.
     QStringList errors;
 
-    static ObsLog read(const QString &path);
+    /// `log` is the file that OBS keeps, `output` what it printed, of this run and of earlier ones.
+    static ObsLog read(const QString &log, const QString &output);
 };
 
 } // namespace quillmar::test

@@ -65,7 +65,7 @@ ObsExit ObsProcess::waitForExit()
     exit.milliseconds = clock.elapsed();
     exit.crashed = exit.inTime && process_.exitStatus() == QProcess::CrashExit;
     exit.code = exit.inTime ? process_.exitCode() : -1;
-    exit.log = ObsLog::read(home_.newestLog());
+    exit.log = ObsLog::read(home_.newestLog(), home_.output());
     return exit;
 }
 

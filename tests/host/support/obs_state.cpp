@@ -69,6 +69,18 @@ std::optional<ObsSource> ObsState::source(const QString &name) const
     return found == list.cend() ? std::nullopt : std::optional(*found);
 }
 
+QStringList ObsState::ownNames() const
+{
+    QStringList names;
+    const QList<ObsSource> list = sources();
+    for (const ObsSource &source : list) {
+        if (source.name.startsWith("Quillmar - "_L1))
+            names.append(source.name);
+    }
+    names.sort();
+    return names;
+}
+
 QStringList ObsState::scenes() const
 {
     return driver_.ask(u"scenes"_s).toVariant().toStringList();

@@ -54,6 +54,8 @@ public:
 
     QList<ObsSource> sources() const;
     std::optional<ObsSource> source(const QString &name) const;
+    /// Names of the sources and scenes that the module made, sorted.
+    QStringList ownNames() const;
     QStringList scenes() const;
     QString currentScene() const;
     /// From bottom to top.

@@ -65,14 +65,12 @@ const Widget *languageSelector(const WidgetTree &tree)
 
 const Widget *userNameField(const WidgetTree &tree)
 {
-    return tree.find(
-        [](const Widget &w) { return w.parent == 0 && w.role == "field"_L1 && !w.secret; });
+    return tree.find([](const Widget &w) { return w.parent == 0 && w.role == "field"_L1 && !w.secret; });
 }
 
 const Widget *passwordField(const WidgetTree &tree)
 {
-    return tree.find(
-        [](const Widget &w) { return w.parent == 0 && w.role == "field"_L1 && w.secret; });
+    return tree.find([](const Widget &w) { return w.parent == 0 && w.role == "field"_L1 && w.secret; });
 }
 
 const Widget *searchField(const WidgetTree &tree)

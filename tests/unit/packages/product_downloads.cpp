@@ -51,6 +51,7 @@ private Q_SLOTS:
     void differentPackagesAreSeparate();
     void packageGoesToDiskWhileItArrives();
     void largePackageNeedsLittleMemory();
+    void busyWorkersSlowTheTransferDown();
     void stuckDownloadsLeaveAConnectionToOthers();
     void waitingDownloadsGetTheirTurn();
 
@@ -321,6 +322,33 @@ void ProductDownloadsTest::largePackageNeedsLittleMemory()
     const ProductFileResult result = f_->acquired();
     QCOMPARE(result.error, QString());
     QCOMPARE(QFileInfo(result.path).size(), length);
+    const qint64 grown = peakMemory() - before;
+    QVERIFY2(grown < kMaxGrowth, qPrintable(QString::number(grown)));
+}
+
+/// Both workers look two huge packages up while the body comes, so that nothing of it can be written.
+void ProductDownloadsTest::busyWorkersSlowTheTransferDown()
+{
+    constexpr qint64 length = 160LL * 1024 * 1024;
+    constexpr qint64 hugeSize = 3LL * 1024 * 1024 * 1024;
+    QList<ComponentProduct> hugeOnes{f_->otherProduct(1), f_->otherProduct(2)};
+    for (ComponentProduct &huge : hugeOnes) {
+        huge.file_size = 0;
+        putFile(cachedPackagePath(f_->root(), huge), {});
+        QVERIFY(QFile::resize(cachedPackagePath(f_->root(), huge), hugeSize));
+        QVERIFY(writePackageRecord(f_->root(), huge, hugeSize, QByteArray(64, '0')));
+    }
+    f_->product.file_size = length;
+    f_->product.sha256.clear();
+    f_->serveFile([this, hugeOnes](const WireRequest &, WireConnection &connection) {
+        for (const ComponentProduct &huge : hugeOnes)
+            f_->acquire(huge);
+        connection.send(DownloadFixture::head(length));
+        feed(&f_->context, connection, length);
+        f_->serveFile(TlsService::always(TlsService::json(500, {})));
+    });
+    const qint64 before = peakMemory();
+    QCOMPARE(f_->acquired().error, QString());
     const qint64 grown = peakMemory() - before;
     QVERIFY2(grown < kMaxGrowth, qPrintable(QString::number(grown)));
 }

@@ -17,11 +17,14 @@ private Q_SLOTS:
     void neverWidensItsPlace();
     void layoutGivesItTheHeightOfItsText();
     void heightFollowsTheWidth();
+    void megabyteIsKeptWholeAndShownInPart();
+    void longTextLooksLikeAnyOther();
 };
 
 void WrappingLabelTest::isPlainAndWrapped()
 {
-    const WrappingLabel label;
+    WrappingLabel label;
+    label.setText(u"text"_s);
     QCOMPARE(label.textFormat(), Qt::PlainText);
     QVERIFY(label.wordWrap());
     QCOMPARE(label.sizePolicy().horizontalPolicy(), QSizePolicy::Ignored);
@@ -59,6 +62,35 @@ void WrappingLabelTest::heightFollowsTheWidth()
     WrappingLabel label;
     label.setText(u"one two three four five six seven eight nine ten"_s);
     QVERIFY(label.heightForWidth(80) > label.heightForWidth(1000));
+}
+
+void WrappingLabelTest::megabyteIsKeptWholeAndShownInPart()
+{
+    WrappingLabel label;
+    const QString text = u"word "_s.repeated(200'000);
+    label.setText(text);
+    QCOMPARE(label.text(), text);
+    WrappingLabel part;
+    part.setText(text.left(5000));
+    const int line = label.fontMetrics().lineSpacing();
+    QVERIFY(qAbs(label.heightForWidth(250) - part.heightForWidth(250)) <= line);
+    label.resize(250, 400);
+    QVERIFY(!label.grab().isNull());
+}
+
+void WrappingLabelTest::longTextLooksLikeAnyOther()
+{
+    WrappingLabel whole;
+    WrappingLabel cut;
+    const QString text = u"word "_s.repeated(1000);
+    whole.setText(text);
+    cut.setText(text + u"more"_s);
+    for (WrappingLabel *label : {&whole, &cut}) {
+        label->setAlignment(Qt::AlignLeft | Qt::AlignTop | Qt::AlignAbsolute);
+        label->setStyleSheet(u"color: red; background: black;"_s);
+        label->resize(250, 100);
+    }
+    QCOMPARE(cut.grab().toImage(), whole.grab().toImage());
 }
 
 } // namespace quillmar::test
