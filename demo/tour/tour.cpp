@@ -103,7 +103,7 @@ bool Tour::showNewScene()
 
 bool Tour::leave()
 {
-    const test::ObsExit exit = session_->obs().quit();
+    const test::ObsExit exit = session_->quit();
     if (!exit.inTime || exit.crashed || exit.code != 0)
         return fail(u"OBS did not end in order"_s);
     say(u"OBS ended in order; memory leaks by its own count: %1."_s.arg(exit.log.leaks));

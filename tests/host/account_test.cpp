@@ -151,7 +151,7 @@ void AccountTest::sessionThatEndsReturnsToTheSignInView()
 
 void AccountTest::quitsInOrder()
 {
-    const ObsExit exit = served_->session().obs().quit();
+    const ObsExit exit = served_->session().quit();
     QVERIFY(exit.inTime);
     QCOMPARE(exit.code, 0);
     QCOMPARE(exit.log.leaks, 0);

@@ -61,7 +61,7 @@ void AcquisitionTest::cachedPackageNeedsNoRequest()
 
 void AcquisitionTest::cacheSurvivesARestart()
 {
-    QCOMPARE(served_->session().obs().quit().code, 0);
+    QCOMPARE(served_->session().quit().code, 0);
     QString problem;
     QVERIFY2(served_->session().startObs(&problem), qPrintable(problem));
     QVERIFY2(served_->enter(u"demo"_s), qPrintable(panel().problem()));
@@ -107,7 +107,7 @@ void AcquisitionTest::exhaustedQuotaIsReported()
              qPrintable(panel().problem()));
     QCOMPARE(fileRequests(), before);
     QVERIFY(!served_->state().source(u"Quillmar - Frame"_s));
-    QCOMPARE(served_->session().obs().quit().code, 0);
+    QCOMPARE(served_->session().quit().code, 0);
 }
 
 } // namespace quillmar::test

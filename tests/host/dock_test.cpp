@@ -110,7 +110,7 @@ void DockTest::aClickSwitchesToEnglish()
 
 void DockTest::languageSurvivesARestart()
 {
-    const ObsExit exit = session_->obs().quit();
+    const ObsExit exit = session_->quit();
     QCOMPARE(exit.code, 0);
     QString problem;
     QVERIFY2(session_->startObs(&problem), qPrintable(problem));
@@ -124,7 +124,7 @@ void DockTest::languageSurvivesARestart()
 
 void DockTest::quitsInOrderAndLogsEveryStep()
 {
-    const ObsExit exit = session_->obs().quit();
+    const ObsExit exit = session_->quit();
     QVERIFY(exit.inTime);
     QVERIFY(!exit.crashed);
     QCOMPARE(exit.code, 0);
@@ -143,7 +143,7 @@ void DockTest::logsNoErrorAndLosesNoMemoryThatBareObsDoesNot()
     QString problem;
     const auto bare = HostSession::start({.installModule = false, .hostLanguage = u"en-US"_s}, &problem);
     QVERIFY2(bare, qPrintable(problem));
-    const ObsExit exit = bare->obs().quit();
+    const ObsExit exit = bare->quit();
     QCOMPARE(exit.code, 0);
     QVERIFY(exit.log.leaks >= 0);
     QVERIFY(log_.leaks >= 0);

@@ -124,7 +124,7 @@ void WebcamTest::places()
 void WebcamTest::cleanupTestCase()
 {
     QVERIFY(served_);
-    QCOMPARE(served_->session().obs().quit().code, 0);
+    QCOMPARE(served_->session().quit().code, 0);
 }
 
 } // namespace quillmar::test

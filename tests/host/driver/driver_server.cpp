@@ -74,6 +74,7 @@ void DriverServer::addObsHandlers()
     handlers_[u"create-scene"_s] = [](const QJsonObject &request) {
         return createScene(request["scene"_L1].toString());
     };
+    handlers_[u"keep-current-scene"_s] = [](const QJsonObject &) { return keepOnlyCurrentScene(); };
     handlers_[u"save"_s] = [](const QJsonObject &) { return saveSceneCollection(); };
 }
 

@@ -166,6 +166,19 @@ QJsonValue createScene(const QString &name)
     return static_cast<bool>(scene);
 }
 
+QJsonValue keepOnlyCurrentScene()
+{
+    const OBSSourceAutoRelease current = obs_frontend_get_current_scene();
+    obs_frontend_source_list scenes{};
+    obs_frontend_get_scenes(&scenes);
+    for (size_t index = 0; index < scenes.sources.num; ++index) {
+        if (scenes.sources.array[index] != current)
+            obs_source_remove(scenes.sources.array[index]);
+    }
+    obs_frontend_source_list_free(&scenes);
+    return true;
+}
+
 QJsonValue saveSceneCollection()
 {
     obs_frontend_save();

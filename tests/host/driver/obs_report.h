@@ -34,6 +34,9 @@ QJsonValue setCurrentScene(const QString &name);
 /// False when the name is taken.
 QJsonValue createScene(const QString &name);
 
+/// Removes every scene but the current one.
+QJsonValue keepOnlyCurrentScene();
+
 /// Asks the front end to write the scene collection.
 QJsonValue saveSceneCollection();
 

@@ -12,6 +12,7 @@ namespace
 
 constexpr int WheelStepsAtOnce = 1;
 constexpr std::chrono::milliseconds ClickEffect = 2s;
+constexpr std::chrono::milliseconds QuietTime = 400ms;
 
 bool isUsable(const Widget &widget)
 {
@@ -41,8 +42,20 @@ bool DockRobot::showDock(int width)
     const QJsonObject place{{u"id"_s, u"quillmar-dock"_s}, {u"width"_s, width}};
     if (!driver_.ask(u"show-dock"_s, place).toBool())
         return fail(u"there is no dock of the module"_s);
-    return waitFor([](const WidgetTree &tree) { return !tree.isEmpty() && tree.all().first().visible; },
-                   u"the dock on the screen"_s);
+    return waitUntil([this] { return isSettled(); }) || fail(u"the dock does not come to rest"_s);
+}
+
+// The window manager and OBS's own layout go on moving things for a while after the window was made large.
+bool DockRobot::isSettled()
+{
+    const WidgetTree before = tree();
+    const bool visible = !before.isEmpty() && before.all().first().visible;
+    return visible && !waitUntil(
+                          [&] {
+                              const WidgetTree now = tree();
+                              return now.isEmpty() || now.all().first().rect != before.all().first().rect;
+                          },
+                          QuietTime);
 }
 
 WidgetTree DockRobot::tree() const
@@ -114,6 +127,7 @@ bool DockRobot::waitFor(const std::function<bool(const WidgetTree &)> &condition
 
 bool DockRobot::choose(const Choice &combo, const QString &text)
 {
+    const QString what = u"the list with "_s + text;
     const auto chosen = [&] {
         const WidgetTree now = tree();
         const Widget *box = combo(now);
@@ -124,8 +138,13 @@ bool DockRobot::choose(const Choice &combo, const QString &text)
     };
     const auto clickRow = [&] {
         const WidgetTree list = popup();
-        if (list.isEmpty())
-            return chosen();
+        if (list.isEmpty()) {
+            if (chosen())
+                return true;
+            if (const std::optional<QPoint> point = reach(combo, what); point && hand_.click(*point))
+                waitUntil([&popup] { return !popup().isEmpty(); }, ClickEffect);
+            return false;
+        }
         for (const Widget &view : list.all()) {
             for (const Widget::Row &row : view.rows) {
                 if (row.text == text)
@@ -136,10 +155,7 @@ bool DockRobot::choose(const Choice &combo, const QString &text)
         waitUntil([&popup] { return popup().isEmpty(); }, ClickEffect);
         return false;
     };
-    if (chosen())
-        return true;
-    return click(combo, u"the list with "_s + text) &&
-           (waitUntil(clickRow) || fail(u"cannot choose "_s + text));
+    return waitUntil(clickRow) || fail(u"cannot choose "_s + text);
 }
 
 bool DockRobot::fill(const Choice &field, const QString &text, const QString &what)

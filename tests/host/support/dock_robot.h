@@ -47,6 +47,7 @@ public:
 private:
     const Widget *locate(const WidgetTree &tree, const Choice &choice) const;
     std::optional<QPoint> reach(const Choice &choice, const QString &what);
+    bool isSettled();
     bool fail(const QString &problem);
 
     DriverClient &driver_;

@@ -1,5 +1,7 @@
 #include "tests/host/support/host_session.h"
 
+#include "tests/host/support/waiting.h"
+
 namespace quillmar::test
 {
 
@@ -31,6 +33,13 @@ bool HostSession::startObs(QString *problem)
         return true;
     *problem = robot_->problem();
     return false;
+}
+
+ObsExit HostSession::quit()
+{
+    driver().ask(u"keep-current-scene"_s);
+    waitUntil([this] { return state().scenes().size() <= 1; });
+    return obs_->quit();
 }
 
 bool HostSession::takeScreenshot(const QString &file)

@@ -51,7 +51,7 @@ void HostileProductTest::texts()
     QCOMPARE(view.name()->text(), text);
     const QString description = text.simplified();
     QCOMPARE(view.description()->text(),
-             QString(description + u"\n\nCategory: "_s + text + u"\nVersion: "_s + text));
+             QString(description + u"\n\n\u2066Category: "_s + text + u"\nVersion: "_s + text));
     const auto *categories = list.findChild<CategoryComboBox *>();
     QCOMPARE(categories->itemText(1), text.trimmed());
     QCOMPARE(categories->itemData(1).toString(), text.trimmed());

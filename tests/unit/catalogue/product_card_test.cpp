@@ -98,7 +98,7 @@ void ProductCardTest::descriptionTextInEnglish()
 {
     const auto card = this->card(product(u"Frame"_s, u"  For a \n webcam "_s, u"Overlay"_s));
     const QLabel *description = CardView(card.get()).description();
-    QCOMPARE(description->text(), u"For a webcam\n\nCategory: Overlay\nVersion: 1.2.3"_s);
+    QCOMPARE(description->text(), u"For a webcam\n\n\u2066Category: Overlay\nVersion: 1.2.3"_s);
     QCOMPARE(description->toolTip(), u"For a webcam"_s);
     QCOMPARE(description->property("productName").toString(), u"Frame"_s);
     QCOMPARE(description->property("productDescription").toString(), u"For a webcam"_s);
@@ -110,14 +110,14 @@ void ProductCardTest::descriptionTextInPersian()
 {
     texts_.setLanguage(PersianCode);
     const auto card = this->card(product(u"Frame"_s, u"قاب"_s, u"روکش"_s));
-    QCOMPARE(CardView(card.get()).description()->text(), u"قاب\n\nدسته: روکش\nنسخه: 1.2.3"_s);
+    QCOMPARE(CardView(card.get()).description()->text(), u"قاب\n\n\u2067دسته: روکش\nنسخه: 1.2.3"_s);
 }
 
 void ProductCardTest::missingKeysAreEmpty()
 {
     const auto card = this->card({});
     QCOMPARE(CardView(card.get()).name()->text(), QString());
-    QCOMPARE(CardView(card.get()).description()->text(), u"\n\nCategory: \nVersion: "_s);
+    QCOMPARE(CardView(card.get()).description()->text(), u"\n\n\u2066Category: \nVersion: "_s);
     QCOMPARE(CardView(card.get()).description()->toolTip(), QString());
     QCOMPARE(card->category(), QString());
 }
@@ -130,7 +130,7 @@ void ProductCardTest::wrongTypesAreEmpty()
                                   {u"product_version"_s, QJsonValue()},
                                   {u"components"_s, u"many"_s}});
     QCOMPARE(CardView(card.get()).name()->text(), QString());
-    QCOMPARE(CardView(card.get()).description()->text(), u"\n\nCategory: \nVersion: "_s);
+    QCOMPARE(CardView(card.get()).description()->text(), u"\n\n\u2066Category: \nVersion: "_s);
 }
 
 void ProductCardTest::descriptionLength_data()
@@ -180,7 +180,7 @@ void ProductCardTest::languageSwitchTurnsTheCard()
     QCOMPARE(view.download()->text(), u"دانلود"_s);
     QCOMPARE(view.details()->text(), u"جزئیات"_s);
     QCOMPARE(view.preview()->text(), u"پیش‌نمایش موجود نیست"_s);
-    QCOMPARE(view.description()->text(), u"text\n\nدسته: Overlay\nنسخه: 1.2.3"_s);
+    QCOMPARE(view.description()->text(), u"text\n\n\u2067دسته: Overlay\nنسخه: 1.2.3"_s);
 }
 
 void ProductCardTest::languageSwitchKeepsTheStatusSuffix()
