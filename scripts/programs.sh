@@ -36,7 +36,7 @@ command_demo() {
     build_preset development
     mkdir -p -- "$build/demo"
     local log=$logs/demo.log started=$SECONDS
-    in_root build/development/demo/quillmar-demo-tour build/demo </dev/null 2>"$log" ||
+    in_root build/development/demo/tour/quillmar-demo-tour --output build/demo </dev/null 2>"$log" ||
         fail "the tour found something wrong after $((SECONDS - started)) s: look at the table above and read $log"
     printf 'tour: done in %d s, screenshots in %s\n' $((SECONDS - started)) "$build/demo"
 }
@@ -49,7 +49,7 @@ command_run() {
         fail "run needs a display: start it in a desktop session (DISPLAY or WAYLAND_DISPLAY), or call ./dev demo"
     build_preset development
     mkdir -p -- "$build/demo"
-    sandbox "${options[@]}" -- build/development/demo/quillmar-demo-run build/demo
+    sandbox "${options[@]}" -- build/development/demo/tour/quillmar-demo-run
 }
 
 # Lets the sandbox reach the user's own display, sound and graphics; prints nothing when there is no local display.
