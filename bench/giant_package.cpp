@@ -1,9 +1,11 @@
-// Memory and event-loop gaps while a package of 1 GiB is acquired from the demo service and a component is taken out.
+// Memory and event-loop gaps while a package of 1 GiB is acquired from the demo service and a component is
+// taken out.
 //
 //   giant_package DEMO_SERVICE CATALOGUE [BYTES]
 //
-// Prints the figures of an idle process, of bare Qt reading the same bytes and throwing them away, and of the module's
-// own classes, all from one run. Needs the service host to resolve to loopback and its authority to be trusted.
+// Prints the figures of an idle process, of bare Qt reading the same bytes and throwing them away, and of the
+// module's own classes, all from one run. Needs the service host to resolve to loopback and its authority to
+// be trusted.
 
 #include "bench/process_memory.h"
 #include "bench/stall_meter.h"
@@ -77,10 +79,9 @@ ServiceReply fetch(const std::function<QNetworkReply *()> &send)
 
 QString signIn(QNetworkAccessManager &network)
 {
-    const QByteArray body =
-        QJsonDocument(QJsonObject{{QStringLiteral("username"), QStringLiteral("demo")},
-                                  {QStringLiteral("password"), QStringLiteral("demo")}})
-            .toJson();
+    const QByteArray body = QJsonDocument(QJsonObject{{QStringLiteral("username"), QStringLiteral("demo")},
+                                                      {QStringLiteral("password"), QStringLiteral("demo")}})
+                                .toJson();
     const ServiceReply reply = fetch([&] { return network.post(routes::login(), body); });
     if (reply.status != 200) {
         fail(QStringLiteral("sign-in failed: %1").arg(QString::fromUtf8(reply.body)));
@@ -107,7 +108,8 @@ void downloadBare(QNetworkAccessManager &network, const QString &ticket, std::fu
 {
     QNetworkReply *reply = network.post(routes::downloadFile(ticket), QByteArray());
     reply->setReadBufferSize(1024 * 1024);
-    QObject::connect(reply, &QNetworkReply::readyRead, reply, [reply] { reply->skip(reply->bytesAvailable()); });
+    QObject::connect(reply, &QNetworkReply::readyRead, reply,
+                     [reply] { reply->skip(reply->bytesAvailable()); });
     QObject::connect(reply, &QNetworkReply::finished, reply, [reply, done = std::move(done)] {
         reply->deleteLater();
         done();
@@ -117,7 +119,8 @@ void downloadBare(QNetworkAccessManager &network, const QString &ticket, std::fu
 QString ticketFor(QNetworkAccessManager &network, const QString &token, const QString &productKey)
 {
     const QByteArray body = QJsonDocument(QJsonObject{{QStringLiteral("product_key"), productKey}}).toJson();
-    return fetch([&] { return network.post(routes::downloadTicket(token), body); }).text(QLatin1StringView("ticket"));
+    return fetch([&] { return network.post(routes::downloadTicket(token), body); })
+        .text(QLatin1StringView("ticket"));
 }
 
 void startService(QProcess &service, const QStringList &arguments)
@@ -125,8 +128,9 @@ void startService(QProcess &service, const QStringList &arguments)
     const QString tls = qEnvironmentVariable("QUILLMAR_TLS_DIR");
     service.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     service.start(arguments.at(1),
-                  {QStringLiteral("--host"), routes::serviceHost(), QStringLiteral("--port"), QStringLiteral("443"),
-                   QStringLiteral("--certificate"), tls + QStringLiteral("/server.pem"), QStringLiteral("--key"),
+                  {QStringLiteral("--host"), routes::serviceHost(), QStringLiteral("--port"),
+                   QStringLiteral("443"), QStringLiteral("--certificate"),
+                   tls + QStringLiteral("/server.pem"), QStringLiteral("--key"),
                    tls + QStringLiteral("/server.key"), QStringLiteral("--catalogue"), arguments.at(2),
                    QStringLiteral("--log"), QStringLiteral("/dev/null"), QStringLiteral("--giant-package"),
                    arguments.value(3, QString::number(1024LL * 1024 * 1024))});
@@ -161,16 +165,19 @@ void benchModule(QNetworkAccessManager &network, const QString &token, const Com
     for (const ProductComponent &component : product.components) {
         ProductFileResult extracted;
         const Figures figures = measure([&](auto done) {
-            downloads.materialize(product, package.path, component, &downloads, [&, done](const auto &result) {
-                extracted = result;
-                done();
-            });
+            downloads.materialize(product, package.path, component, &downloads,
+                                  [&, done](const auto &result) {
+                                      extracted = result;
+                                      done();
+                                  });
         });
         if (!extracted.isOk()) {
             fail(QStringLiteral("materialize: %1").arg(extracted.error));
         }
         const double size = static_cast<double>(QFile(extracted.path).size()) / mebi;
-        print(qPrintable(QStringLiteral("extract %1 (%2 MiB)").arg(component.asset_path).arg(size, 0, 'f', 0)), figures);
+        print(
+            qPrintable(QStringLiteral("extract %1 (%2 MiB)").arg(component.asset_path).arg(size, 0, 'f', 0)),
+            figures);
     }
 }
 

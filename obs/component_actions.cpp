@@ -91,8 +91,9 @@ ComponentActions::ComponentActions(const ComponentProduct &product, ProductDownl
     for (qint32 index = 0; index < product_.components.size(); ++index) {
         addCard(cards, index);
     }
-    addAction(layout, 0, layout,
-              {new QPushButton(this), createStatusLabel(this), WholePackage, false, "Component.FullDownload"});
+    addAction(
+        layout, 0, layout,
+        {new QPushButton(this), createStatusLabel(this), WholePackage, false, "Component.FullDownload"});
 
     if (expanded) {
         toggle_->setChecked(true);
@@ -128,8 +129,9 @@ void ComponentActions::addCard(QBoxLayout *layout, qint32 componentIndex)
                   {new QPushButton(card), createStatusLabel(card), componentIndex, true, "Component.Add"});
     }
     if (hasUsableAsset(component)) {
-        addAction(row, 1, cardLayout,
-                  {new QPushButton(card), createStatusLabel(card), componentIndex, false, "Product.Download"});
+        addAction(
+            row, 1, cardLayout,
+            {new QPushButton(card), createStatusLabel(card), componentIndex, false, "Product.Download"});
     }
 }
 

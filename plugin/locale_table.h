@@ -21,7 +21,8 @@ public:
 
     void clear();
 
-    /// False, with `*text` untouched, when no table is loaded or it has no entry. The text lives as long as the table.
+    /// False, with `*text` untouched, when no table is loaded or it has no entry. The text lives as long as
+    /// the table.
     bool find(const char *key, const char **text) const;
 
 private:

@@ -31,9 +31,12 @@ void writeLog(LogLevel level, const QString &line)
 } // namespace
 
 PluginModule::PluginModule(obs_module_t *handle, LocaleTable &locale, std::unique_ptr<SessionStore> store)
-    : handle_(handle), locale_(locale), log_(writeLog),
-      localisation_([this](const char *key, const char **text) { return locale_.find(key, text); },
-                    [this](const QString &language) { locale_.load(handle_, language.toUtf8().constData()); }),
+    : handle_(handle),
+      locale_(locale),
+      log_(writeLog),
+      localisation_(
+          [this](const char *key, const char **text) { return locale_.find(key, text); },
+          [this](const QString &language) { locale_.load(handle_, language.toUtf8().constData()); }),
       store_(std::move(store))
 {
 }

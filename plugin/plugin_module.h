@@ -23,8 +23,9 @@ class ProductDownloads;
 
 /// Everything between load and unload: builds the objects of the module, wires them, and takes them down.
 ///
-/// The panel and its children belong to OBS once the dock is registered, and OBS destroys them before it unloads the
-/// module when it closes; everything of theirs is held through guarded pointers. User-interface thread only.
+/// The panel and its children belong to OBS once the dock is registered, and OBS destroys them before it
+/// unloads the module when it closes; everything of theirs is held through guarded pointers. User-interface
+/// thread only.
 class PluginModule
 {
 public:

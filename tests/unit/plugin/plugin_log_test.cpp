@@ -47,7 +47,8 @@ void PluginLogTest::longLinesArriveWhole()
     test::LibobsFake obs;
     const QByteArray text(100'000, 'x');
     pluginLog(LogLevel::Info, "%s", text.constData());
-    QCOMPARE(obs.log().constFirst().text, QStringLiteral("[quillmar-obs-plugin] ") + QString::fromLatin1(text));
+    QCOMPARE(obs.log().constFirst().text,
+             QStringLiteral("[quillmar-obs-plugin] ") + QString::fromLatin1(text));
 }
 
 QTEST_GUILESS_MAIN(PluginLogTest)

@@ -195,7 +195,8 @@ void PluginModuleTest::aRefusedDockIsLoggedAndNothingIsStarted()
     Host host(QStringLiteral("kept"));
     host.obs.refuseDock(true);
     QVERIFY(!host.module.load());
-    QCOMPARE(host.logLines().constLast(), QStringLiteral("100 [quillmar-obs-plugin] Failed to add Quillmar dock"));
+    QCOMPARE(host.logLines().constLast(),
+             QStringLiteral("100 [quillmar-obs-plugin] Failed to add Quillmar dock"));
     QCoreApplication::processEvents();
     QCOMPARE(service.connects().size(), 0);
 }
