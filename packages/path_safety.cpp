@@ -29,6 +29,9 @@ bool matchesKeyPattern(const QString &key)
 
 bool isDeviceName(QStringView name)
 {
+    constexpr qsizetype shortest = 3; // spares the many short folders of a deep archive the expression
+    if (name.size() < shortest)
+        return false;
     static const QRegularExpression pattern(u"^(CON|PRN|AUX|NUL|COM[0-9]|LPT[0-9])(?:\\.|\\z)"_s,
                                             QRegularExpression::CaseInsensitiveOption);
     return pattern.matchView(name).hasMatch();

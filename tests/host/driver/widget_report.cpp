@@ -136,6 +136,7 @@ QJsonObject describe(const QWidget &widget, int parent)
                        {u"visible"_s, widget.isVisible()},
                        {u"enabled"_s, widget.isEnabled()},
                        {u"focus"_s, widget.hasFocus()},
+                       {u"hovered"_s, widget.underMouse()},
                        {u"rightToLeft"_s, widget.layoutDirection() == Qt::RightToLeft},
                        {u"needed"_s, QJsonArray{neededSize(widget).width(), neededSize(widget).height()}}};
     if (widget.isVisible())

@@ -108,16 +108,31 @@ bool DockRobot::scrollTo(const Choice &choice, const QString &what)
 
 std::optional<QPoint> DockRobot::reach(const Choice &choice, const QString &what)
 {
-    if (!waitFor([&](const WidgetTree &now) { return locate(now, choice) != nullptr; }, what) ||
-        !scrollTo(choice, what))
-        return std::nullopt;
-    const WidgetTree now = tree();
-    const Widget *widget = locate(now, choice);
-    if (!widget || widget->seen.isEmpty()) {
-        fail(u"is covered or gone: "_s + what);
-        return std::nullopt;
-    }
-    return widget->seen.center();
+    std::optional<QPoint> point;
+    const auto pointed = [&] {
+        if (!scrollTo(choice, what))
+            return true;
+        const WidgetTree now = tree();
+        const Widget *widget = locate(now, choice);
+        point = widget ? pointAt(choice, widget->seen.center()) : std::nullopt;
+        return point.has_value();
+    };
+    if (waitFor([&](const WidgetTree &now) { return locate(now, choice) != nullptr; }, what) &&
+        !waitUntil(pointed))
+        fail(u"cannot be pointed at: "_s + what);
+    return point;
+}
+
+// Events arrive in order: a widget that has noticed the pointer has seen every turn of the wheel before, too.
+std::optional<QPoint> DockRobot::pointAt(const Choice &choice, QPoint point)
+{
+    hand_.moveTo(point);
+    const auto noticed = [&] {
+        const WidgetTree now = tree();
+        const Widget *widget = locate(now, choice);
+        return widget && widget->hovered && widget->seen.center() == point;
+    };
+    return waitUntil(noticed, ClickEffect) ? std::optional(point) : std::nullopt;
 }
 
 bool DockRobot::waitFor(const std::function<bool(const WidgetTree &)> &condition, const QString &what)

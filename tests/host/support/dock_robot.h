@@ -46,7 +46,9 @@ public:
 
 private:
     const Widget *locate(const WidgetTree &tree, const Choice &choice) const;
+    /// Brings the pointer over the widget; the point where it then is.
     std::optional<QPoint> reach(const Choice &choice, const QString &what);
+    std::optional<QPoint> pointAt(const Choice &choice, QPoint point);
     bool isSettled();
     bool fail(const QString &problem);
 

@@ -222,7 +222,8 @@ bool QuillmarPanel::waitForOutcome(const ComponentButton &button, const QString 
 {
     const auto shown = [&](const WidgetTree &tree) {
         const Widget *label = outcomeLabel(tree, button);
-        return label && label->visible && label->properties["textKey"_L1].toString() == key;
+        return label && label->visible && label->properties["textKey"_L1].toString() == key &&
+               label->rect.height() >= label->needed.height();
     };
     if (robot_.waitFor(shown, key + u" under "_s + button.component))
         return true;

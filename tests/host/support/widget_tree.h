@@ -42,6 +42,8 @@ struct Widget {
     bool visible = false;
     bool enabled = false;
     bool focus = false;
+    /// The pointer is over it, and it has noticed.
+    bool hovered = false;
     bool rightToLeft = false;
     bool checkable = false;
     bool checked = false;
