@@ -123,7 +123,7 @@ QString ticketFor(QNetworkAccessManager &network, const QString &token, const QS
         .text(QLatin1StringView("ticket"));
 }
 
-void startService(QProcess &service, const QStringList &arguments)
+void startService(QProcess &service, const QStringList &arguments, const QString &log)
 {
     const QString tls = qEnvironmentVariable("QUILLMAR_TLS_DIR");
     service.setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -132,7 +132,7 @@ void startService(QProcess &service, const QStringList &arguments)
                    QStringLiteral("443"), QStringLiteral("--certificate"),
                    tls + QStringLiteral("/server.pem"), QStringLiteral("--key"),
                    tls + QStringLiteral("/server.key"), QStringLiteral("--catalogue"), arguments.at(2),
-                   QStringLiteral("--log"), QStringLiteral("/dev/null"), QStringLiteral("--giant-package"),
+                   QStringLiteral("--log"), log, QStringLiteral("--giant-package"),
                    arguments.value(3, QString::number(1024LL * 1024 * 1024))});
     QByteArray output;
     while (!output.contains("ready")) {
@@ -189,8 +189,9 @@ int main(int argc, char **argv)
     if (application.arguments().size() < 3) {
         fail(QStringLiteral("usage: giant_package DEMO_SERVICE CATALOGUE [BYTES]"));
     }
+    const QTemporaryDir logs;
     QProcess service;
-    startService(service, application.arguments());
+    startService(service, application.arguments(), logs.filePath(QStringLiteral("service.log")));
 
     QNetworkAccessManager network;
     const QString token = signIn(network);
