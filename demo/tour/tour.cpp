@@ -127,8 +127,18 @@ bool Tour::photographIn(const QString &language, const QString &name)
     const QString number = u"%1"_s.arg(pictures_ / 2 + 1, 2, 10, '0'_L1);
     const QString picture = number + u'-' + name + u'-' + language + u".png"_s;
     waitForLayout(picture);
+    if (!waitForPreview())
+        return false;
     ++pictures_;
     return session_->takeScreenshot(output_.filePath(picture));
+}
+
+/// What was just added is in OBS's picture, and a fade between scenes is over, only some frames later.
+bool Tour::waitForPreview()
+{
+    constexpr int settlingFrames = 20;
+    const qint64 wanted = session_->state().renderedFrames() + settlingFrames;
+    return test::waitUntil([&] { return session_->state().renderedFrames() >= wanted; });
 }
 
 void Tour::waitForLayout(const QString &picture)

@@ -37,6 +37,7 @@ private:
     bool photograph(const QString &name, const std::optional<test::ComponentButton> &outcome = {});
     bool photographIn(const QString &language, const QString &name);
     /// Waits until the panel has laid itself out; notes what is then still cut off.
+    bool waitForPreview();
     void waitForLayout(const QString &picture);
     bool fail(const QString &problem);
     bool failPanel() { return fail(session_->panel().problem()); }

@@ -144,6 +144,7 @@ QJsonObject reportVideo()
         return {};
     return {{u"width"_s, static_cast<qint64>(video.base_width)},
             {u"height"_s, static_cast<qint64>(video.base_height)},
+            {u"frames"_s, static_cast<qint64>(obs_get_total_frames())},
             {u"frames_per_second"_s, obs_get_active_fps()}};
 }
 

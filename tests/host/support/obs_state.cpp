@@ -122,4 +122,9 @@ QSize ObsState::canvas() const
     return {video["width"_L1].toInt(), video["height"_L1].toInt()};
 }
 
+qint64 ObsState::renderedFrames() const
+{
+    return driver_.ask(u"video-info"_s)["frames"_L1].toInteger();
+}
+
 } // namespace quillmar::test

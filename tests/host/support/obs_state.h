@@ -64,6 +64,8 @@ public:
     bool setCurrentScene(const QString &scene) const;
     bool createScene(const QString &scene) const;
     QSize canvas() const;
+    /// Pictures that OBS has rendered since it started.
+    qint64 renderedFrames() const;
 
 private:
     DriverClient &driver_;
