@@ -1,5 +1,6 @@
-// Qt waits for its threads with pthread_clockjoin_np, which the thread sanitizer does not know: it then takes an ended
-// thread for a living one and stops the program when the next thread gets the same handle. It knows this other call.
+// Qt waits for its threads with pthread_clockjoin_np, which the thread sanitizer does not know: it then takes
+// an ended thread for a living one and stops the program when the next thread gets the same handle. It knows
+// this other call.
 
 #include <ctime>
 #include <pthread.h>
