@@ -34,6 +34,17 @@ bool hasProducts(const ServiceReply &reply)
     return !reply.hasError() && reply.status == 200 && reply.object.value(Key("products")).isArray();
 }
 
+QList<QPointer<QNetworkReply>> runningReplies(const QNetworkAccessManager &network)
+{
+    QList<QPointer<QNetworkReply>> running;
+    for (QNetworkReply *reply : network.findChildren<QNetworkReply *>(Qt::FindDirectChildrenOnly)) {
+        if (reply->isRunning()) {
+            running.append(reply);
+        }
+    }
+    return running;
+}
+
 } // namespace
 
 Account::Account(Session &session, SessionStore &store, AccountView &view, QNetworkAccessManager *network,
@@ -92,6 +103,7 @@ void Account::handleSignIn(QNetworkReply &reply)
 {
     view_.setSignInEnabled(true);
     const ServiceReply read = readServiceReply(reply);
+    closeIdleConnections();
     const QString token = read.text(Key("token"));
     if (read.hasError() || read.status != 200 || token.isEmpty()) {
         refuseLogin(read);
@@ -259,6 +271,7 @@ void Account::leaveSession(const QNetworkReply &answer)
     view_.setProducts({});
     view_.clearProductsMessage();
     abortAllExcept(answer);
+    closeIdleConnections();
     view_.clearUsername();
     view_.showSignInView();
     view_.showStatus(removed ? Tone::Success : Tone::Failure,
@@ -268,17 +281,21 @@ void Account::leaveSession(const QNetworkReply &answer)
 
 void Account::abortAllExcept(const QNetworkReply &answer)
 {
-    QList<QPointer<QNetworkReply>> others;
-    for (QNetworkReply *reply : network_->findChildren<QNetworkReply *>(Qt::FindDirectChildrenOnly)) {
-        if (reply != &answer && reply->isRunning()) {
-            others.append(reply);
-        }
-    }
     // Their handlers run inside abort(), see a new generation and may end further replies.
-    for (const QPointer<QNetworkReply> &reply : others) {
-        if (reply) {
+    const QList<QPointer<QNetworkReply>> replies = runningReplies(*network_);
+    for (const QPointer<QNetworkReply> &reply : replies) {
+        if (reply && reply != &answer) {
             reply->abort();
         }
+    }
+}
+
+/// An open connection keeps the bytes of its last request, and with them a password or a token, until the
+/// next one. Closing would strand a reply that is still on the way.
+void Account::closeIdleConnections()
+{
+    if (runningReplies(*network_).isEmpty()) {
+        network_->clearConnectionCache();
     }
 }
 

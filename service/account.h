@@ -78,6 +78,7 @@ private:
     void handleSignOut(QNetworkReply &reply);
     void leaveSession(const QNetworkReply &answer);
     void abortAllExcept(const QNetworkReply &answer);
+    void closeIdleConnections();
     void setSignOutControlsEnabled(bool enabled);
 
     Session &session_;

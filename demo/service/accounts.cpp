@@ -24,6 +24,8 @@ Account ordinary(const QString &name)
 
 std::vector<Account> demoAccounts()
 {
+    Account wary = ordinary(u"wary"_s);
+    wary.password = u"Saffron-Lantern-4711"_s;
     Account exhausted = ordinary(u"quota"_s);
     exhausted.quota.usedAtDawn = exhausted.quota.used = exhausted.quota.limit;
     Account expiring = ordinary(u"expired"_s);
@@ -33,7 +35,7 @@ std::vector<Account> demoAccounts()
     Account empty = ordinary(u"empty"_s);
     empty.hasProducts = false;
     empty.quota.unlimited = true;
-    return {ordinary(u"demo"_s), exhausted, expiring, elsewhere, empty};
+    return {ordinary(u"demo"_s), wary, exhausted, expiring, elsewhere, empty};
 }
 
 } // namespace

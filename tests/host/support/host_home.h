@@ -15,6 +15,9 @@ struct HostSettings {
     QSize canvas{1920, 1080};
     /// Language of OBS itself, for example "fa-IR"; empty for OBS's own choice.
     QString hostLanguage{};
+    /// Has the C library overwrite whatever OBS frees, so that only what is still in use can be found in its
+    /// memory.
+    bool wipeFreedMemory = false;
 };
 
 /// A home directory of its own in the temporary folder, with OBS set up as after its first run: no wizard,

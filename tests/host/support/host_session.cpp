@@ -23,7 +23,11 @@ std::unique_ptr<HostSession> HostSession::start(const HostSettings &settings, QS
 bool HostSession::startObs(QString *problem)
 {
     obs_.reset();
-    obs_ = ObsProcess::start(home_, desktop_->environment(), problem);
+    QProcessEnvironment environment = desktop_->environment();
+    // The C library's per-thread cache of freed blocks would be left out of it.
+    if (settings_.wipeFreedMemory)
+        environment.insert(u"GLIBC_TUNABLES"_s, u"glibc.malloc.perturb=170:glibc.malloc.tcache_count=0"_s);
+    obs_ = ObsProcess::start(home_, environment, problem);
     if (!obs_)
         return false;
     hand_.emplace(desktop_->environment());

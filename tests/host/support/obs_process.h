@@ -34,6 +34,7 @@ public:
 
     DriverClient &driver() { return driver_; }
     bool isRunning() const { return process_.state() == QProcess::Running; }
+    qint64 processId() const { return process_.processId(); }
 
     /// Closes the main window and waits for the process to end.
     ObsExit quit();

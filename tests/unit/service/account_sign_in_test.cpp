@@ -1,5 +1,6 @@
 #include "account_fixture.h"
 #include "bad_replies.h"
+#include "service/routes.h"
 
 #include <QTest>
 
@@ -50,6 +51,8 @@ private Q_SLOTS:
     void sessionIsInPlaceWhenTheQuotaIsAskedFor();
     void isHandledWhateverTheGeneration();
     void secretsNeverReachTheLog();
+    void connectionOfTheLoginIsClosedAfterwards();
+    void requestUnderWayIsNotStranded();
 };
 
 void AccountSignInTest::emptyFields_data()
@@ -351,6 +354,36 @@ void AccountSignInTest::secretsNeverReachTheLog()
     QVERIFY(!all.contains(QStringLiteral("s3cret")));
     QVERIFY(!all.contains(QStringLiteral("t0ken")));
     QVERIFY(!all.contains(QStringLiteral("sara")));
+}
+
+void AccountSignInTest::connectionOfTheLoginIsClosedAfterwards()
+{
+    AccountFixture f;
+    f.answerWell();
+    std::optional<WireConnection> login;
+    f.service.handleRoute("login", [&login](const WireRequest &, WireConnection &connection) {
+        login = connection;
+        connection.send(goodLogin());
+    });
+    f.account->signIn();
+    QTRY_COMPARE(f.view->status, QStringLiteral("green Status.LoginSuccess"));
+    QVERIFY(login);
+    QTRY_VERIFY(!login->isOpen());
+}
+
+void AccountSignInTest::requestUnderWayIsNotStranded()
+{
+    AccountFixture f;
+    f.answerWell();
+    f.hold("download-file");
+    const std::unique_ptr<QNetworkReply> file(
+        f.network->post(quillmar::routes::downloadFile(QStringLiteral("ticket")), QByteArray()));
+    QTRY_COMPARE(f.held.size(), 1);
+    f.account->signIn();
+    QTRY_COMPARE(f.view->status, QStringLiteral("green Status.LoginSuccess"));
+    f.held.first().send(TlsService::json(200, {}));
+    QTRY_VERIFY(file->isFinished());
+    QCOMPARE(file->error(), QNetworkReply::NoError);
 }
 
 QTEST_GUILESS_MAIN(AccountSignInTest)
