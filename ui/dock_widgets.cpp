@@ -39,7 +39,8 @@ protected:
         QPainter painter(this);
         const int direction =
             layoutDirection() == Qt::RightToLeft ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
-        const int flags = (alignment() | Qt::AlignAbsolute).toInt() | direction | Qt::TextWordWrap;
+        const Qt::Alignment place = alignment() | Qt::AlignAbsolute;
+        const int flags = static_cast<int>(place.toInt()) | direction | Qt::TextWordWrap;
         style()->drawItemText(&painter, contentsRect(), flags, palette(), isEnabled(), text(),
                               foregroundRole());
     }

@@ -36,9 +36,9 @@ void QuillmarLineEdit::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     painter.setPen(palette().placeholderText().color());
     painter.setLayoutDirection(localisation_.direction());
+    const Qt::Alignment place = localisation_.readingSide() | Qt::AlignAbsolute | Qt::AlignVCenter;
     painter.drawText(rect().adjusted(PlaceholderInset, 0, -PlaceholderInset, 0),
-                     localisation_.readingSide() | Qt::AlignAbsolute | Qt::AlignVCenter | Qt::TextSingleLine,
-                     placeholder_);
+                     static_cast<int>(place.toInt()) | Qt::TextSingleLine, placeholder_);
 }
 
 } // namespace quillmar

@@ -63,8 +63,9 @@ void WrappingLabel::paintEvent(QPaintEvent *event)
     QFrame::paintEvent(event);
     QPainter painter(this);
     const int direction = text().isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
-    style()->drawItemText(&painter, contentsRect(), alignment().toInt() | direction | Qt::TextWordWrap,
-                          palette(), isEnabled(), shownPart(), foregroundRole());
+    const int flags = static_cast<int>(alignment().toInt()) | direction | Qt::TextWordWrap;
+    style()->drawItemText(&painter, contentsRect(), flags, palette(), isEnabled(), shownPart(),
+                          foregroundRole());
 }
 
 bool WrappingLabel::event(QEvent *event)
