@@ -1,6 +1,8 @@
 #include "tests/unit/packages/download_fixture.h"
 
-#include <QCryptographicHash>
+#include "tests/unit/packages/file_tree.h"
+#include "tests/unit/packages/package_fixture.h"
+
 #include <QJsonObject>
 #include <QTest>
 
@@ -51,8 +53,7 @@ void DownloadFixture::setPackage(const QByteArray &package)
 {
     bytes = package;
     product.file_size = package.size();
-    product.sha256 =
-        QString::fromLatin1(QCryptographicHash::hash(package, QCryptographicHash::Sha256).toHex());
+    product.sha256 = digestOf(package);
 }
 
 ComponentProduct DownloadFixture::otherProduct(int number) const
@@ -103,6 +104,30 @@ ProductFileResult DownloadFixture::acquired()
     if (!QTest::qWaitFor([&outcome] { return outcome->calls > 0; }, kDeadlineMs))
         return ProductFileResult::failure(u"never completed"_s);
     return outcome->result;
+}
+
+void DownloadFixture::expectFailureThenSuccess(const QString &error)
+{
+    const ProductFileResult result = acquired();
+    QCOMPARE(result.error, error);
+    QVERIFY(result.path.isEmpty());
+    QTRY_VERIFY2(treeBelow(folder()).isEmpty(), "something was left behind");
+    serveGood();
+    QCOMPARE(acquired().error, QString());
+}
+
+void DownloadFixture::finishEverything()
+{
+    serveGood();
+    if (!network) {
+        network = std::make_unique<QNetworkAccessManager>();
+        downloads.reset();
+    }
+    if (!downloads)
+        makeDownloads();
+    const auto outcome = acquire(otherProduct(99));
+    QTRY_COMPARE(outcome->calls, 1);
+    QCOMPARE(outcome->result.error, QString());
 }
 
 QByteArray DownloadFixture::head(qint64 length)

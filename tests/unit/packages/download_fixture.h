@@ -66,6 +66,13 @@ public:
     /// Acquires and waits for the end.
     ProductFileResult acquired();
 
+    /// The service as a test left it makes acquire() fail with `error` and leave nothing on disk; once it is
+    /// good again the next one succeeds.
+    void expectFailureThenSuccess(const QString &error);
+
+    /// Lets whatever is still on its way come to its end: a download of another package runs after it.
+    void finishEverything();
+
     /// Response head of a body of `length` bytes.
     static QByteArray head(qint64 length);
     static QByteArray goodTicket(const QString &ticket = QStringLiteral("ticket-1"));

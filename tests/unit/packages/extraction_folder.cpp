@@ -2,8 +2,7 @@
 
 #include "packages/product_identity.h"
 
-#include <QDir>
-#include <QDirIterator>
+#include <QFileInfo>
 
 namespace quillmar::test
 {
@@ -15,8 +14,8 @@ ExtractionFolder::ExtractionFolder() : top_(QFileInfo(temporary_.path()).canonic
     product.product_key = u"pack"_s;
     product.product_version = u"1.0"_s;
     product.file_name = u"Pack.zip"_s;
-    writeFile(top_ + u"/neighbour.txt", "must stay");
-    writeFile(root() + u"/other-product/file.txt", "must stay too");
+    putFile(top_ + u"/neighbour.txt", "must stay");
+    putFile(root() + u"/other-product/file.txt", "must stay too");
 }
 
 QString ExtractionFolder::packagePath() const
@@ -31,12 +30,12 @@ QString ExtractionFolder::components() const
 
 void ExtractionFolder::storePackage(const QByteArray &bytes) const
 {
-    writeFile(packagePath(), bytes);
+    putFile(packagePath(), bytes);
 }
 
 void ExtractionFolder::putComponent(const QString &path, const QByteArray &bytes) const
 {
-    writeFile(components() + u'/' + path, bytes);
+    putFile(components() + u'/' + path, bytes);
 }
 
 ProductFileResult ExtractionFolder::extractWhole() const
@@ -52,48 +51,24 @@ ProductFileResult ExtractionFolder::extract(const QString &asset, const QString 
     return extractPackage(root(), product, packagePath(), component);
 }
 
-QMap<QString, QByteArray> ExtractionFolder::snapshot() const
+QMap<QString, QByteArray> ExtractionFolder::surroundings() const
 {
-    QMap<QString, QByteArray> found;
-    QDirIterator walk(top_, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                      QDirIterator::Subdirectories);
-    while (walk.hasNext()) {
-        const QFileInfo info = walk.nextFileInfo();
-        const QString path = info.filePath().sliced(top_.size() + 1);
-        if (info.isSymLink())
-            found.insert(path, "link to " + info.symLinkTarget().toUtf8());
-        else if (info.isDir())
-            found.insert(path + u'/', {});
-        else
-            found.insert(path, info.isFile() ? contentOf(info.filePath()) : QByteArray("special"));
+    QMap<QString, QByteArray> tree = snapshot();
+    for (const QString &own : {u"Quillmar/pack"_s, u"Quillmar/.quillmar-cache"_s}) {
+        tree.remove(own);
+        tree.removeIf([&own](const auto &entry) { return entry.key().startsWith(own + u'/'); });
     }
-    return found;
+    return tree;
 }
 
 QMap<QString, QByteArray> ExtractionFolder::extracted() const
 {
-    QMap<QString, QByteArray> found;
-    QDirIterator walk(components(), QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
-    while (walk.hasNext()) {
-        const QString path = walk.next();
-        found.insert(path.sliced(components().size() + 1), contentOf(path));
+    QMap<QString, QByteArray> files;
+    for (const auto &[path, what] : treeBelow(components()).asKeyValueRange()) {
+        if (isFile(what))
+            files.insert(path, fileContent(components() + u'/' + path));
     }
-    return found;
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
-
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    const bool written = QDir().mkpath(QFileInfo(path).absolutePath()) && file.open(QIODevice::WriteOnly) &&
-                         file.write(bytes) == bytes.size() && file.flush();
-    if (!written)
-        qFatal("cannot write %ls", qUtf16Printable(path));
+    return files;
 }
 
 } // namespace quillmar::test

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "packages/archive_extraction.h"
+#include "tests/unit/packages/file_tree.h"
 
-#include <QMap>
 #include <QTemporaryDir>
 
 namespace quillmar::test
@@ -37,9 +37,11 @@ public:
     }
     ProductFileResult extract(const QString &asset, const QString &kind) const;
 
-    /// Everything in the temporary folder, the root's neighbours included: paths with content, folders ending
-    /// with '/', links with their target.
-    QMap<QString, QByteArray> snapshot() const;
+    /// Everything in the temporary folder, the root's neighbours included.
+    QMap<QString, QByteArray> snapshot() const { return treeBelow(top_); }
+
+    /// The same without the results of the product and without the cache: what no extraction may change.
+    QMap<QString, QByteArray> surroundings() const;
 
     /// Files below "Components", paths with content.
     QMap<QString, QByteArray> extracted() const;
@@ -48,8 +50,5 @@ private:
     QTemporaryDir temporary_;
     QString top_;
 };
-
-QByteArray contentOf(const QString &path);
-void writeFile(const QString &path, const QByteArray &bytes);
 
 } // namespace quillmar::test

@@ -11,6 +11,16 @@ namespace quillmar::test
 /// files.
 QMap<QString, QByteArray> treeBelow(const QString &top);
 
+/// What a tree says of an entry: a regular file, or a folder.
+inline bool isFile(const QByteArray &described)
+{
+    return described.startsWith("file ");
+}
+inline bool isFolder(const QByteArray &described)
+{
+    return described == "folder";
+}
+
 /// Content of a file; null when it cannot be opened.
 QByteArray fileContent(const QString &path);
 

@@ -31,25 +31,8 @@ private Q_SLOTS:
     void expiredHandlerMayDeleteTheOwner();
 
 private:
-    void finishEverything();
-
     std::optional<DownloadFixture> f_;
 };
-
-/// Lets whatever is still on its way come to its end: a download of another package runs after it.
-void ProductDownloadsReentrancyTest::finishEverything()
-{
-    f_->serveGood();
-    if (!f_->network) {
-        f_->network = std::make_unique<QNetworkAccessManager>();
-        f_->downloads.reset();
-    }
-    if (!f_->downloads)
-        f_->makeDownloads();
-    const auto outcome = f_->acquire(f_->otherProduct(99));
-    QTRY_COMPARE(outcome->calls, 1);
-    QCOMPARE(outcome->result.error, QString());
-}
 
 void ProductDownloadsReentrancyTest::completionMayAcquireAgain()
 {
@@ -87,7 +70,7 @@ void ProductDownloadsReentrancyTest::completionMaySignOut()
     const auto later = f_->acquire();
     QTRY_VERIFY(f_->token.isEmpty());
     f_->token = u"token"_s;
-    finishEverything();
+    f_->finishEverything();
     QCOMPARE(later->calls, 0);
 }
 
@@ -120,7 +103,7 @@ void ProductDownloadsReentrancyTest::completionMayDeleteTheOwner()
     const auto later = f_->acquire();
     QTRY_VERIFY(!f_->downloads);
     f_->events.removeAll(u"quota"_s);
-    finishEverything();
+    f_->finishEverything();
     QCOMPARE(later->calls, 0);
     QCOMPARE(f_->events, QStringList({u"quota"_s, u"done"_s}));
 }
@@ -132,7 +115,7 @@ void ProductDownloadsReentrancyTest::quotaHandlerMayDeleteTheOwner()
     QTRY_VERIFY(!f_->downloads);
     f_->onQuota = {};
     QVERIFY(treeBelow(f_->folder()).isEmpty());
-    finishEverything();
+    f_->finishEverything();
     QCOMPARE(outcome->calls, 0);
 }
 
@@ -142,7 +125,7 @@ void ProductDownloadsReentrancyTest::quotaHandlerMaySignOut()
     const auto outcome = f_->acquire();
     QTRY_VERIFY(!findCachedPackage(f_->root(), f_->product).isEmpty());
     f_->onQuota = {};
-    finishEverything();
+    f_->finishEverything();
     QCOMPARE(outcome->calls, 0);
     const qsizetype tickets = f_->tickets();
     QCOMPARE(f_->acquired().error, QString());
@@ -158,9 +141,9 @@ void ProductDownloadsReentrancyTest::expiredHandlerMayDeleteTheOwner()
     QCOMPARE(outcome->calls, 1);
     QCOMPARE(outcome->result.error, u"Status.LoginRequired"_s);
     f_->onExpired = {};
-    finishEverything();
+    f_->finishEverything();
     QCOMPARE(outcome->calls, 1);
 }
 
 QTEST_GUILESS_MAIN(ProductDownloadsReentrancyTest)
-#include "product_downloads_reentrancy.moc"
+#include "product_downloads_reentrancy_test.moc"

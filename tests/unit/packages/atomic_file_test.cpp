@@ -26,6 +26,8 @@ private Q_SLOTS:
     void writesANewFile();
     void replacesAnOldFile_data() { addWriters(); }
     void replacesAnOldFile();
+    void replacedFileKeepsItsPermissions_data() { addWriters(); }
+    void replacedFileKeepsItsPermissions();
     void writesAnEmptyFile_data() { addWriters(); }
     void writesAnEmptyFile();
     void identicalContentIsNotWrittenAgain_data() { addWriters(); }
@@ -34,6 +36,8 @@ private Q_SLOTS:
     void identicalContentNeedsNoRoom();
     void sameSizeOtherContentIsReplaced_data() { addWriters(); }
     void sameSizeOtherContentIsReplaced();
+    void longNamesAreNeverCut_data();
+    void longNamesAreNeverCut();
     void targetOutsideTheRootIsRefused_data() { addWriters(); }
     void targetOutsideTheRootIsRefused();
     void linkIsRefused_data();
@@ -56,7 +60,6 @@ private Q_SLOTS:
     void pendingFileCannotBeWrittenBeforeOpen();
     void pendingFileFailsForGoodAfterAShortWrite();
     void pendingFileSeesALinkOfTheMeantime();
-    void pendingFileMakesAVanishedFolderAgain();
     void pendingFileKeepsAFolderThatSomethingMovedInto();
 
 private:
@@ -149,6 +152,34 @@ void AtomicFileTest::sameSizeOtherContentIsReplaced()
     putFile(target_, old);
     QVERIFY(write(target_, fresh));
     QCOMPARE(fileContent(target_), fresh);
+}
+
+void AtomicFileTest::longNamesAreNeverCut_data()
+{
+    QTest::addColumn<int>("length");
+    QTest::addColumn<int>("writer");
+    for (const int length : {248, 249, 255, 256}) {
+        QTest::addRow("%d bytes from memory", length) << length << int(FromMemory);
+        QTest::addRow("%d bytes from a file", length) << length << int(FromFile);
+    }
+}
+
+void AtomicFileTest::longNamesAreNeverCut()
+{
+    QFETCH(const int, length);
+    const QString path = u"a/"_s + QString(length, u'n');
+    const bool isWritten = write(root_ + u'/' + path, "bytes");
+    QVERIFY(isWritten || length > 248);
+    QCOMPARE(treeBelow(root_).keys(), isWritten ? QStringList({u"a"_s, path}) : QStringList());
+}
+
+void AtomicFileTest::replacedFileKeepsItsPermissions()
+{
+    putFile(target_, "old");
+    QVERIFY(QFile::setPermissions(target_, QFile::ReadOwner | QFile::WriteOwner));
+    const QFile::Permissions before = QFile::permissions(target_);
+    QVERIFY(write(target_, "the new one"));
+    QCOMPARE(QFile::permissions(target_), before);
 }
 
 void AtomicFileTest::targetOutsideTheRootIsRefused()
@@ -337,16 +368,6 @@ void AtomicFileTest::pendingFileSeesALinkOfTheMeantime()
     QCOMPARE(fileContent(folder_->filePath(u"outside/target.bin"_s)), "precious");
 }
 
-void AtomicFileTest::pendingFileMakesAVanishedFolderAgain()
-{
-    PendingFile file(root_, target_);
-    QVERIFY(file.open());
-    QVERIFY(file.write("bytes"));
-    QVERIFY(QDir(root_ + u"/a"_s).removeRecursively());
-    QVERIFY(file.commit());
-    QCOMPARE(fileContent(target_), "bytes");
-}
-
 void AtomicFileTest::pendingFileKeepsAFolderThatSomethingMovedInto()
 {
     {
@@ -358,4 +379,4 @@ void AtomicFileTest::pendingFileKeepsAFolderThatSomethingMovedInto()
 }
 
 QTEST_GUILESS_MAIN(AtomicFileTest)
-#include "atomic_file.moc"
+#include "atomic_file_test.moc"

@@ -147,4 +147,4 @@ void ProductDownloadsFilesTest::sameComponentTwiceAtOnce()
 }
 
 QTEST_GUILESS_MAIN(ProductDownloadsFilesTest)
-#include "product_downloads_files.moc"
+#include "product_downloads_files_test.moc"

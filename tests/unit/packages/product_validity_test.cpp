@@ -173,4 +173,4 @@ void ProductValidityTest::insertable()
 }
 
 QTEST_GUILESS_MAIN(ProductValidityTest)
-#include "product_validity.moc"
+#include "product_validity_test.moc"

@@ -382,4 +382,4 @@ void ProductDownloadsTest::waitingDownloadsGetTheirTurn()
 }
 
 QTEST_GUILESS_MAIN(ProductDownloadsTest)
-#include "product_downloads.moc"
+#include "product_downloads_test.moc"

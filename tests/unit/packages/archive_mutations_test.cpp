@@ -82,6 +82,7 @@ void ArchiveMutationsTest::twoBytesNeverLeaveTheFolder()
 {
     const QByteArray archive = described().build();
     ExtractionFolder folder;
+    const auto before = folder.surroundings();
     QRandomGenerator random(19700101);
     for (int i = 0; i < 1000; ++i) {
         QByteArray changed = archive;
@@ -90,16 +91,10 @@ void ArchiveMutationsTest::twoBytesNeverLeaveTheFolder()
         folder.storePackage(changed);
         (void)folder.extractFolder(u"pack"_s);
     }
-    auto after = folder.snapshot();
-    after.removeIf([](const auto &entry) {
-        return entry.key().startsWith(u"Quillmar/pack/") ||
-               entry.key().startsWith(u"Quillmar/.quillmar-cache/");
-    });
-    QCOMPARE(after.keys(), (QStringList{u"Quillmar/"_s, u"Quillmar/other-product/"_s,
-                                        u"Quillmar/other-product/file.txt"_s, u"neighbour.txt"_s}));
+    QCOMPARE(folder.surroundings(), before);
 }
 
 } // namespace quillmar::test
 
 QTEST_GUILESS_MAIN(quillmar::test::ArchiveMutationsTest)
-#include "archive_mutations.moc"
+#include "archive_mutations_test.moc"

@@ -98,7 +98,7 @@ void staysSmall(const ZipItem &item)
     const qint64 grown = growth([&] { result = folder.extractFile(QString::fromUtf8(item.name)); });
     QCOMPARE(result.error, QString());
     QVERIFY2(grown >= 0 && grown <= 32, qPrintable(QString::number(grown)));
-    QVERIFY(contentOf(result.path) == item.content);
+    QVERIFY(fileContent(result.path) == item.content);
 }
 
 } // namespace
@@ -132,8 +132,8 @@ void ArchiveLimitsTest::tenThousandEntries()
         builder.items.append(fileItem("pack/" + QByteArray::number(i), QByteArray::number(i)));
     ExtractionFolder folder;
     folder.storePackage(builder.build());
-    QCOMPARE(contentOf(folder.extractFile(u"pack/9999"_s).path), QByteArray("9999"));
-    QCOMPARE(contentOf(folder.extractFile(u"pack/0"_s).path), QByteArray("0"));
+    QCOMPARE(fileContent(folder.extractFile(u"pack/9999"_s).path), QByteArray("9999"));
+    QCOMPARE(fileContent(folder.extractFile(u"pack/0"_s).path), QByteArray("0"));
 }
 
 void ArchiveLimitsTest::tenThousandDeepEntries()
@@ -166,7 +166,7 @@ void ArchiveLimitsTest::largestDeclaredEntry()
 {
     ExtractionFolder folder;
     folder.storePackage(zipOf({declaring("big", 512 * kMebi), fileItem("small", "small")}));
-    QCOMPARE(contentOf(folder.extractFile(u"small"_s).path), QByteArray("small"));
+    QCOMPARE(fileContent(folder.extractFile(u"small"_s).path), QByteArray("small"));
     QCOMPARE(folder.extractFile(u"big"_s).error, u"Component.InvalidArchive"_s);
 }
 
@@ -176,7 +176,7 @@ void ArchiveLimitsTest::largestDeclaredTotal()
     folder.storePackage(
         zipOf({declaring("1", 512 * kMebi), declaring("2", 512 * kMebi), declaring("3", 512 * kMebi),
                declaring("4", 512 * kMebi - 5), fileItem("small", "small")}));
-    QCOMPARE(contentOf(folder.extractFile(u"small"_s).path), QByteArray("small"));
+    QCOMPARE(fileContent(folder.extractFile(u"small"_s).path), QByteArray("small"));
 }
 
 void ArchiveLimitsTest::largestEntryInLittleMemory()
@@ -281,4 +281,4 @@ void ArchiveLimitsTest::damageWeighsMoreThanAFullDisk()
 } // namespace quillmar::test
 
 QTEST_GUILESS_MAIN(quillmar::test::ArchiveLimitsTest)
-#include "archive_limits.moc"
+#include "archive_limits_test.moc"

@@ -13,6 +13,19 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
+/// Waits a hundredth of the time that a request allows.
+class HastyNetwork : public QNetworkAccessManager
+{
+protected:
+    QNetworkReply *createRequest(Operation operation, const QNetworkRequest &request,
+                                 QIODevice *body) override
+    {
+        QNetworkRequest hasty(request);
+        hasty.setTransferTimeout(request.transferTimeoutAsDuration() / 100);
+        return QNetworkAccessManager::createRequest(operation, hasty, body);
+    }
+};
+
 /// How a hostile connection ends after its bytes.
 enum class Then { Nothing, Close, Reset };
 
@@ -57,6 +70,8 @@ private Q_SLOTS:
     void redirectIsNotFollowed();
     void challengeIsNotAnswered_data();
     void challengeIsNotAnswered();
+    void silenceEndsAtTheTimeOut_data();
+    void silenceEndsAtTheTimeOut();
     void unreachableService();
     void untrustedService();
     void completionComesBeforeTheHandler_data();
@@ -64,7 +79,6 @@ private Q_SLOTS:
 
 private:
     void addFailureRows();
-    void expectFailureThenSuccess(const QString &error);
 
     std::optional<DownloadFixture> f_;
 };
@@ -119,16 +133,6 @@ void ProductDownloadsFaultsTest::addFailureRows()
     failed("HTML", TlsService::response(200, "<!doctype html><p>Hello", "text/html"));
 }
 
-void ProductDownloadsFaultsTest::expectFailureThenSuccess(const QString &error)
-{
-    const ProductFileResult result = f_->acquired();
-    QCOMPARE(result.error, error);
-    QVERIFY(result.path.isEmpty());
-    QTRY_VERIFY2(treeBelow(f_->folder()).isEmpty(), "something was left behind");
-    f_->serveGood();
-    QCOMPARE(f_->acquired().error, QString());
-}
-
 void ProductDownloadsFaultsTest::badTicket_data()
 {
     addFailureRows();
@@ -159,7 +163,7 @@ void ProductDownloadsFaultsTest::badTicket()
     QCOMPARE(f_->acquired().error, error);
     QCOMPARE(f_->files(), 0);
     QCOMPARE(f_->events, events);
-    expectFailureThenSuccess(error);
+    f_->expectFailureThenSuccess(error);
 }
 
 void ProductDownloadsFaultsTest::badFile_data()
@@ -190,7 +194,7 @@ void ProductDownloadsFaultsTest::badFile()
     if (f_->events.first() == u"quota"_s)
         events.prepend(u"quota"_s);
     QCOMPARE(f_->events, events);
-    expectFailureThenSuccess(error);
+    f_->expectFailureThenSuccess(error);
 }
 
 void ProductDownloadsFaultsTest::redirectIsNotFollowed_data()
@@ -222,7 +226,7 @@ void ProductDownloadsFaultsTest::redirectIsNotFollowed()
     QCOMPARE(f_->service.requests().size(), route == "download-ticket" ? 1 : 2);
     for (const QByteArray &host : f_->service.connects())
         QCOMPARE(host, "quillmar.example:443");
-    expectFailureThenSuccess(u"Download.Failed"_s);
+    f_->expectFailureThenSuccess(u"Download.Failed"_s);
 }
 
 void ProductDownloadsFaultsTest::challengeIsNotAnswered_data()
@@ -246,6 +250,32 @@ void ProductDownloadsFaultsTest::challengeIsNotAnswered()
     QCOMPARE(f_->acquired().error, u"Status.LoginRequired"_s);
     QCOMPARE(f_->service.count(route), 1);
     QCOMPARE(f_->events, QStringList({u"done"_s, u"expired"_s}));
+}
+
+void ProductDownloadsFaultsTest::silenceEndsAtTheTimeOut_data()
+{
+    QTest::addColumn<QByteArray>("route");
+    QTest::addColumn<QByteArray>("begin");
+    for (const QByteArray &route : {QByteArray("download-ticket"), QByteArray("download-file")}) {
+        QTest::addRow("%s without a header", route.constData()) << route << QByteArray();
+        QTest::addRow("%s in the header", route.constData()) << route << QByteArray("HTTP/1.1 200 OK\r\n");
+        QTest::addRow("%s in the body", route.constData()) << route << DownloadFixture::head(120'000) + "the";
+    }
+}
+
+void ProductDownloadsFaultsTest::silenceEndsAtTheTimeOut()
+{
+    QFETCH(const QByteArray, route);
+    QFETCH(const QByteArray, begin);
+    f_->network = std::make_unique<HastyNetwork>();
+    f_->makeDownloads();
+    f_->service.handleRoute(route, sending(begin));
+    QCOMPARE(f_->acquired().error, u"Download.Failed"_s);
+    QTRY_VERIFY2(treeBelow(f_->folder()).isEmpty(), "something was left behind");
+    f_->network = std::make_unique<QNetworkAccessManager>();
+    f_->makeDownloads();
+    f_->serveGood();
+    QCOMPARE(f_->acquired().error, QString());
 }
 
 void ProductDownloadsFaultsTest::unreachableService()
@@ -290,4 +320,4 @@ void ProductDownloadsFaultsTest::completionComesBeforeTheHandler()
 }
 
 QTEST_GUILESS_MAIN(ProductDownloadsFaultsTest)
-#include "product_downloads_faults.moc"
+#include "product_downloads_faults_test.moc"

@@ -302,7 +302,7 @@ void ArchiveFailuresTest::wholePackageOntoAFolder()
 {
     ExtractionFolder folder;
     folder.storePackage(baseArchive().build());
-    writeFile(outputDirectory(folder.root(), folder.product) + u"/Pack.zip/inside", "kept");
+    putFile(outputDirectory(folder.root(), folder.product) + u"/Pack.zip/inside", "kept");
     const auto before = folder.snapshot();
     failsWith(folder.extractWhole(), u"Download.SaveFailed"_s);
     QVERIFY(folder.snapshot() == before);
@@ -320,4 +320,4 @@ void ArchiveFailuresTest::plainPackageOntoAFolder()
 } // namespace quillmar::test
 
 QTEST_GUILESS_MAIN(quillmar::test::ArchiveFailuresTest)
-#include "archive_failures.moc"
+#include "archive_failures_test.moc"

@@ -35,20 +35,8 @@ private Q_SLOTS:
     void linkedRoot();
 
 private:
-    void expectFailureThenSuccess(const QString &error);
-
     std::optional<DownloadFixture> f_;
 };
-
-void ProductDownloadsLimitsTest::expectFailureThenSuccess(const QString &error)
-{
-    const ProductFileResult result = f_->acquired();
-    QCOMPARE(result.error, error);
-    QVERIFY(result.path.isEmpty());
-    QTRY_VERIFY2(treeBelow(f_->folder()).isEmpty(), "something was left behind");
-    f_->serveGood();
-    QCOMPARE(f_->acquired().error, QString());
-}
 
 void ProductDownloadsLimitsTest::bodyBeyondItsSizeStopsEarly_data()
 {
@@ -79,14 +67,14 @@ void ProductDownloadsLimitsTest::bodyBeyondItsSizeStopsEarly()
     QTRY_VERIFY(wasDropped);
     feeder.stop();
     QVERIFY2(sent < 32 * 1024 * 1024, qPrintable(QString::number(sent)));
-    expectFailureThenSuccess(u"Download.Failed"_s);
+    f_->expectFailureThenSuccess(u"Download.Failed"_s);
 }
 
 void ProductDownloadsLimitsTest::bodyOneByteTooLong()
 {
     f_->product.sha256.clear();
     f_->serveFile(TlsService::always(TlsService::response(200, f_->bytes + '!')));
-    expectFailureThenSuccess(u"Download.Failed"_s);
+    f_->expectFailureThenSuccess(u"Download.Failed"_s);
 }
 
 void ProductDownloadsLimitsTest::endlessReasonStopsEarly_data()
@@ -167,4 +155,4 @@ void ProductDownloadsLimitsTest::linkedRoot()
 }
 
 QTEST_GUILESS_MAIN(ProductDownloadsLimitsTest)
-#include "product_downloads_limits.moc"
+#include "product_downloads_limits_test.moc"

@@ -103,12 +103,12 @@ void ArchiveToolsTest::extracts()
     QTemporaryDir work;
     const QMap<QString, QByteArray> files = sourceFiles();
     for (const auto &[path, bytes] : files.asKeyValueRange())
-        writeFile(work.filePath(path), bytes);
+        putFile(work.filePath(path), bytes);
     const Run packed = run(program, arguments, work.path());
     QVERIFY2(packed.code == 0, packed.output.constData());
 
     ExtractionFolder folder;
-    folder.storePackage(contentOf(work.filePath(u"out.zip"_s)));
+    folder.storePackage(fileContent(work.filePath(u"out.zip"_s)));
     const ProductFileResult result = folder.extractFolder(u"pack"_s);
     QCOMPARE(result.error, QString());
     QVERIFY(folder.extracted() == files);
@@ -149,12 +149,12 @@ void ArchiveToolsTest::refuses()
     QFETCH(QString, command);
     QFETCH(QString, key);
     QTemporaryDir work;
-    writeFile(work.filePath(u"pack/text.txt"_s), QByteArray("some text\n").repeated(50));
+    putFile(work.filePath(u"pack/text.txt"_s), QByteArray("some text\n").repeated(50));
     const Run packed = run(u"sh"_s, {u"-c"_s, command}, work.path());
     QVERIFY2(packed.code == 0, packed.output.constData());
 
     ExtractionFolder folder;
-    folder.storePackage(contentOf(work.filePath(u"out.zip"_s)));
+    folder.storePackage(fileContent(work.filePath(u"out.zip"_s)));
     const auto before = folder.snapshot();
     QCOMPARE(folder.extractFile(u"pack/text.txt"_s).error, key);
     QVERIFY(folder.snapshot() == before);
@@ -163,4 +163,4 @@ void ArchiveToolsTest::refuses()
 } // namespace quillmar::test
 
 QTEST_GUILESS_MAIN(quillmar::test::ArchiveToolsTest)
-#include "archive_tools.moc"
+#include "archive_tools_test.moc"

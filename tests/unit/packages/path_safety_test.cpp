@@ -280,4 +280,4 @@ void PathSafetyTest::persianFolderNames()
 }
 
 QTEST_GUILESS_MAIN(PathSafetyTest)
-#include "path_safety.moc"
+#include "path_safety_test.moc"

@@ -375,4 +375,4 @@ void ComponentProductTest::componentReadsItsOwnGallery()
 }
 
 QTEST_GUILESS_MAIN(ComponentProductTest)
-#include "component_product.moc"
+#include "component_product_test.moc"

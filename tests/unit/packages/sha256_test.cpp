@@ -78,4 +78,4 @@ void Sha256Test::digestEndsTheComputation()
 }
 
 QTEST_GUILESS_MAIN(Sha256Test)
-#include "sha256.moc"
+#include "sha256_test.moc"

@@ -263,4 +263,4 @@ void InflaterTest::fileEndsEarly()
 } // namespace quillmar::test
 
 QTEST_GUILESS_MAIN(quillmar::test::InflaterTest)
-#include "inflater.moc"
+#include "inflater_test.moc"

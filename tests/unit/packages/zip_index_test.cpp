@@ -267,4 +267,4 @@ void ZipIndexTest::positionOfTheFileDoesNotMatter()
 } // namespace quillmar::test
 
 QTEST_GUILESS_MAIN(quillmar::test::ZipIndexTest)
-#include "zip_index.moc"
+#include "zip_index_test.moc"
