@@ -111,11 +111,36 @@ QList<SampleArchive> lengths()
     };
 }
 
+/// Checksum and sizes stand behind the data and, as the directory has them, are wrong.
+SampleArchive described(const char *name, const std::function<void(CentralHeader &)> &spoil)
+{
+    return wanted(name, [&](ZipItem &item) {
+        item.flags = 8;
+        item.trailer = dataDescriptor(item.content, deflated(item.content).size(), true);
+        item.local = [](LocalHeader &local) { local.crc32 = local.compressed_size = local.size = 0; };
+        item.central = spoil;
+    });
+}
+
+QList<SampleArchive> descriptors()
+{
+    return {
+        described("wrong checksum with descriptor", [](CentralHeader &c) { ++c.crc32; }),
+        described("checksum zero with descriptor", [](CentralHeader &c) { c.crc32 = 0; }),
+        described("plain size -1 with descriptor", [](CentralHeader &c) { --c.size; }),
+        described("plain size +1 with descriptor", [](CentralHeader &c) { ++c.size; }),
+        described("plain size 0 with descriptor", [](CentralHeader &c) { c.size = 0; }),
+        described("compressed size -1 with descriptor", [](CentralHeader &c) { --c.compressed_size; }),
+        described("compressed size +1 with descriptor", [](CentralHeader &c) { ++c.compressed_size; }),
+        described("compressed size 0 with descriptor", [](CentralHeader &c) { c.compressed_size = 0; }),
+    };
+}
+
 } // namespace
 
 QList<SampleArchive> archivesWithDamagedData()
 {
-    return checksums() + streams() + lengths();
+    return checksums() + streams() + lengths() + descriptors();
 }
 
 } // namespace quillmar::test

@@ -33,6 +33,18 @@ GoodArchive base(const char *name, const std::function<void(ZipBuilder &)> &chan
     return {name, builder.build(), {{u"pack/wanted.txt"_s, text()}, {u"pack/other.bin"_s, noise(300)}}};
 }
 
+/// The descriptors themselves are nowhere looked at.
+GoodArchive describedWrongly(const char *name)
+{
+    return base(name, [](ZipBuilder &builder) {
+        for (ZipItem &item : builder.items) {
+            item.flags = 8;
+            item.trailer = dataDescriptor("something else", 1, true);
+            item.local = [](LocalHeader &local) { local.crc32 = local.compressed_size = local.size = 0; };
+        }
+    });
+}
+
 GoodArchive described(const char *name, bool withSignature)
 {
     return base(name, [=](ZipBuilder &builder) {
@@ -53,6 +65,7 @@ QList<GoodArchive> layouts()
         base("comment with signatures inside", [](ZipBuilder &b) { b.comment = "PK\x05\x06 PK\x05\x06"; }),
         described("descriptors with signature", true),
         described("descriptors without signature", false),
+        describedWrongly("descriptors that tell something else"),
         base("directory in reverse order", [](ZipBuilder &b) { b.directory_reversed = true; }),
         base("gaps between entries", [](ZipBuilder &b) { b.items[1].gap = b.items[2].gap = noise(100); }),
         base("gap before the directory", [](ZipBuilder &b) { b.items[2].trailer = "gap"; }),

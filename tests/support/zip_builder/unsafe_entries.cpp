@@ -86,6 +86,9 @@ QList<SampleArchive> namedUnsafely()
     QList<SampleArchive> archives;
     for (const QByteArray &name : unsafeNames())
         archives.append(with("name " + name.left(60).toPercentEncoding(), {fileItem(name)}));
+    for (char c = 1; c < ' '; ++c)
+        archives.append(
+            with("control character " + QByteArray::number(c), {fileItem(QByteArray("a") + c + "b")}));
     archives.append({"only an unsafe name", zipOf({fileItem("../a.txt")})});
     archives.append({"unsafe name first", zipOf({fileItem("../a.txt"), fileItem("pack/wanted.txt")})});
     return archives;
