@@ -43,7 +43,7 @@ private Q_SLOTS:
     void signedOut();
     void invalidMetadata();
     void extractionFails();
-    void brokenPackage();
+    void unsafeAssetPath();
     void insertionFails();
     void serviceRefuses_data();
     void serviceRefuses();
@@ -200,7 +200,7 @@ void ComponentActionsTest::extractionFails()
     QVERIFY(fixture.isObsUntouched());
 }
 
-void ComponentActionsTest::brokenPackage()
+void ComponentActionsTest::unsafeAssetPath()
 {
     CachedFixture fixture;
     fixture.product.components[Fixture::Overlay].asset_path = u"../frame.png"_s;

@@ -16,6 +16,7 @@ class StingerRefusalTest : public QObject
 private Q_SLOTS:
     void obsVersion_data();
     void obsVersion();
+    void isReportedByTheCommonInsertion();
     void mainWindowMissing();
     void mainWindowWithoutTheSlot();
     void mainWindowWithAnotherSlotOfThatName();
@@ -63,6 +64,15 @@ void StingerRefusalTest::obsVersion()
     QCOMPARE(insertStinger(stinger(), fixture.path),
              available ? QString() : u"Component.StingerUnavailable"_s);
     QCOMPARE(fixture.window.requestedIds.size(), available ? 1 : 0);
+}
+
+void StingerRefusalTest::isReportedByTheCommonInsertion()
+{
+    StingerFixture fixture;
+    fixture.obs.setCurrentScene(nullptr);
+
+    QCOMPARE(insertComponent(stinger(), fixture.path), insertStinger(stinger(), fixture.path));
+    QVERIFY(!insertComponent(stinger(), fixture.path).isEmpty());
 }
 
 void StingerRefusalTest::mainWindowMissing()

@@ -3,7 +3,9 @@
 #include "tests/support/libobs_fake/libobs_fake.h"
 #include "tests/support/tls_service/tls_service.h"
 
+#include <QComboBox>
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QLabel>
@@ -59,6 +61,12 @@ struct Host {
         QCOMPARE(file.write(content), content.size());
     }
 
+    QByteArray settings() const
+    {
+        QFile file(folder.filePath(QStringLiteral("settings.ini")));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
     QWidget *panel() const { return obs.dock(QStringLiteral("quillmar-dock")); }
 
     QPushButton *button(const QString &text) const
@@ -105,7 +113,7 @@ class PluginModuleTest : public QObject
 private Q_SLOTS:
     void onlyTheExactEnglishCodeStartsInEnglish_data();
     void onlyTheExactEnglishCodeStartsInEnglish();
-    void withoutAConfigurationFolderThePanelIsPersian();
+    void withoutAConfigurationFolderThePanelIsPersianAndNothingIsReadOrWritten();
     void loadingLogsItsSteps();
     void withoutABinaryPathNothingIsAddedOrLogged();
     void theDockIsRegisteredOnce();
@@ -145,13 +153,24 @@ void PluginModuleTest::onlyTheExactEnglishCodeStartsInEnglish()
     host.module.unload();
 }
 
-void PluginModuleTest::withoutAConfigurationFolderThePanelIsPersian()
+void PluginModuleTest::withoutAConfigurationFolderThePanelIsPersianAndNothingIsReadOrWritten()
 {
     Host host;
     host.obs.setConfigFolder(QByteArray());
+    host.writeSettings("[General]\nlanguage=en-US\n");
+    const QDir::Filters all = QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot;
+    const QStringList here = QDir::current().entryList(all);
     QVERIFY(host.module.load());
     QVERIFY(host.button(QStringLiteral("ورود")) != nullptr);
+
+    const QList<QComboBox *> selectors = host.panel()->findChildren<QComboBox *>();
+    selectors.constFirst()->setCurrentIndex(1);
+    QVERIFY(host.button(QStringLiteral("Sign in")) != nullptr);
+    selectors.constFirst()->setCurrentIndex(0);
     host.module.unload();
+    QCOMPARE(QDir::current().entryList(all), here);
+    QCOMPARE(host.settings(), QByteArray("[General]\nlanguage=en-US\n"));
+    QCOMPARE(host.logLines().filter(QStringLiteral("language")), QStringList());
 }
 
 void PluginModuleTest::loadingLogsItsSteps()

@@ -186,12 +186,17 @@ void DockRetranslationTest::rawKeysWithoutLocaleFile()
     Localisation texts = LocaleFiles(u"/nowhere"_s).localisation(EnglishCode);
     DockPanel panel(texts);
     panel.retranslate();
-    QStringList captions;
+    panel.showStatus(AccountView::Tone::Progress, "Status.LoggingIn"_L1);
+    panel.showProductsMessage("Products.Loading"_L1);
+    QStringList shown;
     for (const QPushButton *button : panel.findChildren<QPushButton *>())
-        captions.append(button->text());
+        shown.append(button->text());
+    for (const QLabel *label : panel.findChildren<QLabel *>())
+        shown.append(label->text());
     for (const auto &key : {u"Login.Button"_s, u"Logout.Button"_s, u"Gallery.Refresh"_s, u"Session.Retry"_s,
-                            u"Update.Download"_s})
-        QVERIFY2(captions.contains(key), qPrintable(key));
+                            u"Update.Download"_s, u"Login.Title"_s, u"Home.Welcome"_s, u"Status.LoggingIn"_s,
+                            u"Products.Loading"_s})
+        QVERIFY2(shown.contains(key), qPrintable(key));
 }
 
 void DockRetranslationTest::listAndBannerFollow()

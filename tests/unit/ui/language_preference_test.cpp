@@ -1,3 +1,5 @@
+#include "tests/unit/packages/disk_limit.h"
+#include "tests/unit/packages/file_tree.h"
 #include "ui/language_preference.h"
 
 #include <QFile>
@@ -22,6 +24,7 @@ private Q_SLOTS:
     void emptyPathIsPersian();
     void savedLanguageIsLoaded();
     void savingKeepsOtherSettings();
+    void failedSaveKeepsThePreviousLanguage();
     void directoryInPlaceOfTheFileFails();
     void fileInPlaceOfTheFolderFails();
 
@@ -93,11 +96,22 @@ void LanguagePreferenceTest::savingKeepsOtherSettings()
     QCOMPARE(settings.value("language"_L1).toString(), u"en-US"_s);
 }
 
+void LanguagePreferenceTest::failedSaveKeepsThePreviousLanguage()
+{
+    QVERIFY(saveLanguage(path(), u"en-US"_s));
+    {
+        const DiskLimit limit(0);
+        QVERIFY(!saveLanguage(path(), u"fa-IR"_s));
+    }
+    // What the next start finds; this process still remembers what it could not write.
+    QCOMPARE(fileContent(path()), "[General]\nlanguage=en-US\n");
+}
+
 void LanguagePreferenceTest::directoryInPlaceOfTheFileFails()
 {
     QVERIFY(QDir(folder_->path()).mkdir(u"settings.ini"_s));
     QVERIFY(!saveLanguage(path(), u"en-US"_s));
-    QCOMPARE(loadLanguage(folder_->filePath(u"other.ini"_s)), u"fa-IR"_s);
+    QCOMPARE(loadLanguage(path()), u"fa-IR"_s);
 }
 
 void LanguagePreferenceTest::fileInPlaceOfTheFolderFails()

@@ -68,8 +68,8 @@ private Q_SLOTS:
     void languageSwitchRendersAgain();
     void releaseNotes_data();
     void releaseNotes();
-    void refusedAddress_data();
-    void refusedAddress();
+    void refusedAddressHidesTheButtonButKeepsTheTexts_data();
+    void refusedAddressHidesTheButtonButKeepsTheTexts();
     void clickOpensTheAddress();
     void clickOnARefusedAddressDoesNothing();
     void hostileNotesStayPlain();
@@ -181,7 +181,7 @@ void UpdateBannerTest::releaseNotes()
     QCOMPARE(banner.notes()->isHidden(), shown.isEmpty());
 }
 
-void UpdateBannerTest::refusedAddress_data()
+void UpdateBannerTest::refusedAddressHidesTheButtonButKeepsTheTexts_data()
 {
     QTest::addColumn<QUrl>("url");
     const QString host = routes::serviceHost();
@@ -193,16 +193,20 @@ void UpdateBannerTest::refusedAddress_data()
     QTest::newRow("file") << QUrl(u"file:///etc/passwd"_s);
 }
 
-void UpdateBannerTest::refusedAddress()
+void UpdateBannerTest::refusedAddressHidesTheButtonButKeepsTheTexts()
 {
     QFETCH(QUrl, url);
     Banner banner;
-    UpdateInfo update = info();
+    UpdateInfo update = info(u"Better"_s);
     update.downloadUrl = url;
     banner.widget.fill(update, true);
     QVERIFY(banner.download()->isHidden());
     QVERIFY(!banner.widget.isHidden());
-    QVERIFY(banner.versions()->text().contains(u"0.2.0"_s));
+    for (const QLabel *line : {banner.title(), banner.versions(), banner.notes()})
+        QVERIFY(!line->isHidden());
+    QCOMPARE(banner.title()->text(), u"A new version is available"_s);
+    QCOMPARE(banner.versions()->text(), u"Installed version: 0.1.3\nNew version: 0.2.0"_s);
+    QCOMPARE(banner.notes()->text(), u"Better"_s);
 }
 
 void UpdateBannerTest::clickOpensTheAddress()
