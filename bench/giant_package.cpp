@@ -8,11 +8,11 @@
 // be trusted.
 
 #include "bench/process_memory.h"
-#include "bench/stall_meter.h"
 
 #include "packages/product_downloads.h"
 #include "service/routes.h"
 #include "service/service_reply.h"
+#include "tests/support/stall_meter.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -42,7 +42,8 @@ Figures measure(const std::function<void(std::function<void()>)> &start)
 {
     bench::resetPeak();
     const qint64 before = bench::processMemory("VmRSS");
-    bench::StallMeter meter;
+    test::StallMeter meter;
+    meter.restart();
     QElapsedTimer clock;
     clock.start();
     QEventLoop loop;

@@ -107,7 +107,11 @@ void DriverServer::addProcessHandlers()
         stallMeter_.restart();
         return true;
     };
-    handlers_[u"stall"_s] = [this](const QJsonObject &) { return stallMeter_.report(); };
+    handlers_[u"stall"_s] = [this](const QJsonObject &) {
+        return QJsonObject{{u"longest_ms"_s, stallMeter_.longestMilliseconds()},
+                           {u"over_16_ms"_s, stallMeter_.gapsOverFrame()},
+                           {u"ticks"_s, stallMeter_.ticks()}};
+    };
 }
 
 } // namespace quillmar::test

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/host/driver/stall_meter.h"
+#include "tests/support/stall_meter.h"
 
 #include <QHash>
 #include <QJsonObject>
