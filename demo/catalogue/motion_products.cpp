@@ -1,11 +1,10 @@
 #include "demo/catalogue/backdrops.h"
-#include "demo/catalogue/descriptions.h"
 #include "demo/catalogue/mockups.h"
 #include "demo/catalogue/motion.h"
 #include "demo/catalogue/overlays.h"
+#include "demo/catalogue/pack.h"
 #include "demo/catalogue/products.h"
 #include "demo/catalogue/scenes.h"
-#include "demo/catalogue/workshop.h"
 
 #include <cmath>
 #include <numbers>
@@ -147,51 +146,38 @@ QList<Part> motionParts()
              showScene(drawLoop(0.4))}};
 }
 
-QJsonObject motionComponent(const Part &part, const QString &address)
+ComponentText motionComponent(const Part &part)
 {
     const bool isFrame = part.mode == "webcam_frame"_L1;
-    return toJson(ComponentText{.key = part.path.section(u'/', -1).section(u'.', 0, 0),
-                                .name = part.name,
-                                .assetPath = part.path,
-                                .mime = mimeOf(part.path),
-                                .insertMode = part.mode,
-                                .sourceType = u"media"_s,
-                                .position = isFrame ? u"bottom_left"_s : QString(),
-                                .loop = part.mode != "fullscreen_scene"_L1,
-                                .width = isFrame ? 480 : 0,
-                                .height = isFrame ? 270 : 0,
-                                .sortOrder = part.order,
-                                .gallery = {picture(address, part.name)}});
+    return {.key = part.path.section(u'/', -1).section(u'.', 0, 0),
+            .name = part.name,
+            .assetPath = part.path,
+            .mime = mimeOf(part.path),
+            .insertMode = part.mode,
+            .sourceType = u"media"_s,
+            .position = isFrame ? u"bottom_left"_s : QString(),
+            .loop = part.mode != "fullscreen_scene"_L1,
+            .width = isFrame ? 480 : 0,
+            .height = isFrame ? 270 : 0,
+            .sortOrder = part.order};
 }
 
 void makeLoops(Workshop &workshop)
 {
     const QString key = u"living-light"_s;
-    const QString file = u"living-light.zip"_s;
     const QList<Part> parts = motionParts();
-    QJsonArray gallery;
-    QJsonArray components;
+    Pack pack(workshop, key);
     for (const Part &part : parts) {
         workshop.addClip(key, part.path, part.clip);
-        const QString address = workshop.addPreview(part.preview, part.shown);
-        gallery.append(picture(address, part.name));
-        components.append(motionComponent(part, address));
+        pack.add(motionComponent(part), part.preview, part.shown);
     }
-    workshop.pack(key, file, Archiver::SevenZip);
-    const QImage cover = showPack(parts.at(0).shown, parts.at(1).shown, parts.at(2).shown, u"Living Light"_s);
-    gallery.prepend(picture(workshop.addPreview(u"living-light-cover.jpg"_s, cover), u"Cover"_s));
-    workshop.addProduct(toJson(ProductText{
-        .key = key,
-        .version = u"0.9.4"_s,
-        .name = u"Living Light – Motion Set"_s,
-        .description =
-            u"Moving light for every layer: an endless backdrop, rising sparks, a breathing camera frame "
-            u"and a countdown scene."_s,
-        .category = u"Motion"_s,
-        .fileName = file,
-        .mime = u"application/zip"_s,
-        .gallery = gallery,
-        .components = components}));
+    pack.publish({.version = u"0.9.4"_s,
+                  .name = u"Living Light – Motion Set"_s,
+                  .description = u"Moving light for every layer: an endless backdrop, rising sparks, a "
+                                 u"breathing camera frame and a countdown scene."_s,
+                  .category = u"Motion"_s},
+                 Archiver::SevenZip, u"living-light-cover.jpg"_s,
+                 showPack(parts.at(0).shown, parts.at(1).shown, parts.at(2).shown, u"Living Light"_s));
 }
 
 /// A package that is no archive: its one component is the clip itself.

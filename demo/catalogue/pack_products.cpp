@@ -1,9 +1,8 @@
-#include "demo/catalogue/descriptions.h"
 #include "demo/catalogue/mockups.h"
 #include "demo/catalogue/overlays.h"
+#include "demo/catalogue/pack.h"
 #include "demo/catalogue/products.h"
 #include "demo/catalogue/scenes.h"
-#include "demo/catalogue/workshop.h"
 
 using namespace Qt::StringLiterals;
 
@@ -44,59 +43,47 @@ QList<Graphic> overlayGraphics()
             {u"overlays/chat.png"_s, u"Chat box"_s, u"neon-garden-chat.png"_s, 2, chat, showOnStage(chat)}};
 }
 
-QJsonObject overlayComponent(const Graphic &graphic, const QString &address)
+ComponentText overlayComponent(const Graphic &graphic)
 {
-    return toJson(ComponentText{.key = graphic.path.section(u'/', -1).section(u'.', 0, 0),
-                                .name = graphic.name,
-                                .assetPath = graphic.path,
-                                .mime = mimeOf(graphic.path),
-                                .insertMode = u"overlay"_s,
-                                .sourceType = u"image"_s,
-                                .sortOrder = graphic.order,
-                                .gallery = {picture(address, graphic.name)}});
+    return {.key = graphic.path.section(u'/', -1).section(u'.', 0, 0),
+            .name = graphic.name,
+            .assetPath = graphic.path,
+            .mime = mimeOf(graphic.path),
+            .insertMode = u"overlay"_s,
+            .sourceType = u"image"_s,
+            .sortOrder = graphic.order};
 }
 
-QJsonObject iconFolder()
+ComponentText iconFolder()
 {
-    return toJson(ComponentText{.key = u"icons"_s,
-                                .name = u"Icons (folder)"_s,
-                                .assetPath = u"icons"_s,
-                                .insertMode = u"overlay"_s,
-                                .sourceType = u"image"_s,
-                                .assetKind = u"folder"_s,
-                                .sortOrder = 9});
+    return {.key = u"icons"_s,
+            .name = u"Icons (folder)"_s,
+            .assetPath = u"icons"_s,
+            .insertMode = u"overlay"_s,
+            .sourceType = u"image"_s,
+            .assetKind = u"folder"_s,
+            .sortOrder = 9};
 }
 
 void makeOverlayPack(Workshop &workshop)
 {
     const QString key = u"neon-garden-overlays"_s;
-    const QString file = u"neon-garden-overlays.zip"_s;
     const QList<Graphic> graphics = overlayGraphics();
-    QJsonArray gallery;
-    QJsonArray components{iconFolder()};
+    Pack pack(workshop, key);
+    pack.addUnshown(iconFolder());
     for (const Graphic &graphic : graphics) {
         workshop.addPicture(key, graphic.path, graphic.image);
-        const QString address = workshop.addPreview(graphic.preview, graphic.shown);
-        gallery.append(picture(address, graphic.name));
-        components.append(overlayComponent(graphic, address));
+        pack.add(overlayComponent(graphic), graphic.preview, graphic.shown);
     }
     addIcons(workshop, key);
-    workshop.pack(key, file, Archiver::InfoZip);
-    const QImage cover =
-        showPack(graphics.at(0).shown, graphics.at(1).shown, graphics.at(2).shown, u"Neon Garden"_s);
-    gallery.prepend(picture(workshop.addPreview(u"neon-garden-cover.png"_s, cover), u"Cover"_s));
-    workshop.addProduct(toJson(ProductText{
-        .key = key,
-        .version = u"2.1.0"_s,
-        .name = u"Neon Garden – Overlay Pack"_s,
-        .description =
-            u"A calm, dark set for competitive streams: match bar with ticker, lower third, chat box, "
-            u"goal card and six round icons."_s,
-        .category = u"Overlays"_s,
-        .fileName = file,
-        .mime = u"application/zip"_s,
-        .gallery = gallery,
-        .components = components}));
+    pack.publish(
+        {.version = u"2.1.0"_s,
+         .name = u"Neon Garden – Overlay Pack"_s,
+         .description = u"A calm, dark set for competitive streams: match bar with ticker, lower "
+                        u"third, chat box, goal card and six round icons."_s,
+         .category = u"Overlays"_s},
+        Archiver::InfoZip, u"neon-garden-cover.png"_s,
+        showPack(graphics.at(0).shown, graphics.at(1).shown, graphics.at(2).shown, u"Neon Garden"_s));
 }
 
 struct FrameText {
@@ -125,52 +112,42 @@ QImage drawFrame(const FrameText &frame, bool named)
     return drawWebcamFrame(size, named ? u"MINA"_s : QString(), frame.variant);
 }
 
-QJsonObject frameComponent(const FrameText &frame, int order, const QString &address)
+ComponentText frameComponent(const FrameText &frame, int order)
 {
-    return toJson(ComponentText{.key = frame.path.section(u'/', -1),
-                                .name = frame.name,
-                                .assetPath = frame.path,
-                                .mime = mimeOf(frame.path),
-                                .insertMode = u"webcam_frame"_s,
-                                .sourceType = u"image"_s,
-                                .position = frame.position,
-                                .width = frame.size.width(),
-                                .height = frame.size.height(),
-                                .sortOrder = order,
-                                .variant = u"Variant %1"_s.arg(frame.variant + 1),
-                                .gallery = {picture(address, frame.name)}});
+    return {.key = frame.path.section(u'/', -1),
+            .name = frame.name,
+            .assetPath = frame.path,
+            .mime = mimeOf(frame.path),
+            .insertMode = u"webcam_frame"_s,
+            .sourceType = u"image"_s,
+            .position = frame.position,
+            .width = frame.size.width(),
+            .height = frame.size.height(),
+            .sortOrder = order,
+            .variant = u"Variant %1"_s.arg(frame.variant + 1)};
 }
 
 void makeFramePack(Workshop &workshop)
 {
     const QString key = u"aurora-webcam-frames"_s;
-    const QString file = u"aurora-webcam-frames.zip"_s;
-    QJsonArray components;
-    QJsonArray gallery;
     QList<QImage> shown;
+    Pack pack(workshop, key);
     for (const FrameText &frame : frameTexts()) {
-        const QImage image = drawFrame(frame, shown.size() % 2 == 0);
+        const int order = int(shown.size());
+        const QImage image = drawFrame(frame, order % 2 == 0);
         workshop.addPicture(key, frame.path, image);
         shown.append(showFrame(image));
         const QString name = frame.path.section(u'/', -1).section(u'.', 0, 0);
-        const QString address = workshop.addPreview(u"aurora-%1.jpg"_s.arg(name), shown.last());
-        gallery.append(picture(address, frame.name));
-        components.append(frameComponent(frame, int(components.size()), address));
+        pack.add(frameComponent(frame, order), u"aurora-%1.jpg"_s.arg(name), shown.last());
     }
-    workshop.pack(key, file, Archiver::SevenZip);
-    const QImage cover = showPack(shown.at(1), shown.at(0), shown.at(2), u"Aurora Frames"_s);
-    gallery.prepend(picture(workshop.addPreview(u"aurora-cover.webp"_s, cover), u"Cover"_s));
-    workshop.addProduct(toJson(ProductText{
-        .key = key,
-        .version = u"1.4.2"_s,
-        .name = u"Aurora – Webcam Frames"_s,
-        .description =
-            u"Glowing borders for the camera, one for each corner and one for the middle of the stage."_s,
-        .category = u"Webcam frames"_s,
-        .fileName = file,
-        .mime = u"application/zip"_s,
-        .gallery = gallery,
-        .components = components}));
+    pack.publish({.version = u"1.4.2"_s,
+                  .name = u"Aurora – Webcam Frames"_s,
+                  .description =
+                      u"Glowing borders for the camera, one for each corner and one for the middle "
+                      u"of the stage."_s,
+                  .category = u"Webcam frames"_s},
+                 Archiver::SevenZip, u"aurora-cover.webp"_s,
+                 showPack(shown.at(1), shown.at(0), shown.at(2), u"Aurora Frames"_s));
 }
 
 struct SceneFile {
@@ -181,30 +158,31 @@ struct SceneFile {
     qreal progress = -1;
 };
 
-/// Draws the scenes of a pack and returns their components; fills `shown` and `gallery` alongside.
-QJsonArray addScenes(Workshop &workshop, const QString &key, const QList<SceneFile> &scenes,
-                     QList<QImage> &shown, QJsonArray &gallery)
+ComponentText sceneComponent(const SceneFile &scene, int order)
 {
-    QJsonArray components;
+    return {.key = u"scene-%1"_s.arg(order + 1),
+            .name = scene.name,
+            .assetPath = scene.path,
+            .mime = scene.mime,
+            .insertMode = u"fullscreen_scene"_s,
+            .sourceType = u"image"_s,
+            .width = kFullHd.width(),
+            .height = kFullHd.height(),
+            .sortOrder = order};
+}
+
+/// Draws the scenes of a pack; returns how they are shown.
+QList<QImage> addScenes(Workshop &workshop, Pack &pack, const QString &key, const QList<SceneFile> &scenes)
+{
+    QList<QImage> shown;
     for (const SceneFile &scene : scenes) {
-        const qsizetype number = shown.size();
-        const QImage image = drawScene(kFullHd, scene.text, 0.21 * qreal(number), scene.progress);
+        const int order = int(shown.size());
+        const QImage image = drawScene(kFullHd, scene.text, 0.21 * order, scene.progress);
         workshop.addPicture(key, scene.path, image);
         shown.append(showScene(image));
-        const QString address = workshop.addPreview(u"%1-%2.jpg"_s.arg(key).arg(number + 1), shown.last());
-        gallery.append(picture(address, scene.name));
-        components.append(toJson(ComponentText{.key = u"scene-%1"_s.arg(number + 1),
-                                               .name = scene.name,
-                                               .assetPath = scene.path,
-                                               .mime = scene.mime,
-                                               .insertMode = u"fullscreen_scene"_s,
-                                               .sourceType = u"image"_s,
-                                               .width = kFullHd.width(),
-                                               .height = kFullHd.height(),
-                                               .sortOrder = int(number),
-                                               .gallery = {picture(address, scene.name)}}));
+        pack.add(sceneComponent(scene, order), u"%1-%2.jpg"_s.arg(key).arg(order + 1), shown.last());
     }
-    return components;
+    return shown;
 }
 
 void makeScenePack(Workshop &workshop)
@@ -226,22 +204,15 @@ void makeScenePack(Workshop &workshop)
          u"image/webp"_s,
          {u"See you soon"_s, u"Thank you for watching tonight"_s, footer}},
     };
-    QList<QImage> shown;
-    QJsonArray gallery;
-    const QJsonArray components = addScenes(workshop, key, scenes, shown, gallery);
-    workshop.pack(key, u"emerald-scenes.zip"_s, Archiver::BsdTar);
-    const QImage cover = showPack(shown.at(1), shown.at(0), shown.at(2), u"Emerald Scenes"_s);
-    gallery.prepend(picture(workshop.addPreview(u"emerald-cover.jpg"_s, cover), u"Cover"_s));
-    workshop.addProduct(toJson(ProductText{
-        .key = key,
-        .version = u"3.0.1"_s,
-        .name = u"Emerald – Full-screen Scenes"_s,
-        .description = u"Three full-screen scenes in 1920 × 1080 that open, pause and close a stream."_s,
-        .category = u"Scenes"_s,
-        .fileName = u"emerald-scenes.zip"_s,
-        .mime = u"application/zip"_s,
-        .gallery = gallery,
-        .components = components}));
+    Pack pack(workshop, key);
+    const QList<QImage> shown = addScenes(workshop, pack, key, scenes);
+    pack.publish(
+        {.version = u"3.0.1"_s,
+         .name = u"Emerald – Full-screen Scenes"_s,
+         .description = u"Three full-screen scenes in 1920 × 1080 that open, pause and close a stream."_s,
+         .category = u"Scenes"_s},
+        Archiver::BsdTar, u"emerald-cover.jpg"_s,
+        showPack(shown.at(1), shown.at(0), shown.at(2), u"Emerald Scenes"_s));
 }
 
 void makePersianPack(Workshop &workshop)
@@ -261,36 +232,29 @@ void makePersianPack(Workshop &workshop)
          {u"زود برمی‌گردیم"_s,
           u"کمی استراحت؛ گفت‌وگو را ادامه دهید"_s, footer}},
     };
-    QList<QImage> shown;
-    QJsonArray gallery;
-    QJsonArray components = addScenes(workshop, key, scenes, shown, gallery);
+    Pack pack(workshop, key);
+    const QList<QImage> shown = addScenes(workshop, pack, key, scenes);
     const QImage plate = drawLowerThird(kPlate, u"پریسا کاظمی"_s, u"گزارشگر بازی"_s);
     workshop.addPicture(key, u"زیرنویس/نام.png"_s, plate);
-    workshop.pack(key, u"shab-e-neon.zip"_s, Archiver::Python);
     const QImage plateShown = showOnStage(plate);
     const QString plateAddress = workshop.addPreview(u"shab-e-neon-plate.png"_s, plateShown);
-    components.append(toJson(ComponentText{.key = u"plate"_s,
-                                           .name = u"زیرنویس نام"_s,
-                                           .assetPath = u"زیرنویس/نام.png"_s,
-                                           .mime = u"image/png"_s,
-                                           .insertMode = u"overlay"_s,
-                                           .sourceType = u"image"_s,
-                                           .sortOrder = 5,
-                                           .variant = u"راست‌به‌چپ"_s,
-                                           .gallery = {picture(plateAddress, u"زیرنویس"_s)}}));
-    const QImage cover = showPack(shown.at(1), shown.at(0), plateShown, u"شب نئونی"_s);
-    gallery.prepend(picture(workshop.addPreview(u"shab-e-neon-cover.png"_s, cover), u"جلد"_s));
-    workshop.addProduct(toJson(ProductText{
-        .key = key,
-        .version = u"1.0.0"_s,
-        .name = u"بستهٔ شب نئونی"_s,
-        .description =
-            u"صحنه‌های تمام‌صفحه و زیرنویس فارسی برای پخش زنده؛ با حروف درشت و خوانا و نور سبز نئونی."_s,
-        .category = u"صحنه‌ها"_s,
-        .fileName = u"shab-e-neon.zip"_s,
-        .mime = u"application/zip"_s,
-        .gallery = gallery,
-        .components = components}));
+    pack.addUnshown({.key = u"plate"_s,
+                     .name = u"زیرنویس نام"_s,
+                     .assetPath = u"زیرنویس/نام.png"_s,
+                     .mime = u"image/png"_s,
+                     .insertMode = u"overlay"_s,
+                     .sourceType = u"image"_s,
+                     .sortOrder = 5,
+                     .variant = u"راست‌به‌چپ"_s,
+                     .gallery = {picture(plateAddress, u"زیرنویس"_s)}});
+    pack.publish({.version = u"1.0.0"_s,
+                  .name = u"بستهٔ شب نئونی"_s,
+                  .description = u"صحنه‌های تمام‌صفحه و زیرنویس فارسی برای پخش زنده؛ با حروف درشت و "
+                                 u"خوانا و "
+                                 u"نور سبز نئونی."_s,
+                  .category = u"صحنه‌ها"_s},
+                 Archiver::Python, u"shab-e-neon-cover.png"_s,
+                 showPack(shown.at(1), shown.at(0), plateShown, u"شب نئونی"_s), u"جلد"_s);
 }
 
 } // namespace
