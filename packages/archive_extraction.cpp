@@ -6,7 +6,6 @@
 #include "packages/zip_entry_reader.h"
 #include "packages/zip_index.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -126,8 +125,7 @@ private:
     {
         const QString target = destination(entry.path);
         if (entry.kind == ZipEntry::Kind::Directory)
-            return isInsideRoot(root_, target) && QDir().mkpath(target) ? ProductFileResult::success(target)
-                                                                        : unsaved();
+            return makeFolder(root_, target) ? ProductFileResult::success(target) : unsaved();
         return isHeld(package, entry, target) ? ProductFileResult::success(target)
                                               : writeFile(package, entry, target);
     }

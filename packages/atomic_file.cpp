@@ -1,8 +1,6 @@
 #include "packages/atomic_file.h"
 
-#include "packages/path_safety.h"
-
-#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -15,20 +13,6 @@ namespace
 {
 
 constexpr qint64 kPieceBytes = 256 * 1024;
-
-/// Folders from `folder` upwards that do not exist yet, deepest first.
-QStringList missingFolders(QString folder)
-{
-    QStringList missing;
-    while (!QFileInfo::exists(folder)) {
-        missing.append(folder);
-        const QString parent = QFileInfo(folder).absolutePath();
-        if (parent == folder)
-            break;
-        folder = parent;
-    }
-    return missing;
-}
 
 /// Hands `length` bytes of `source` from `offset` on to `take`, piece by piece. False when bytes are missing
 /// or `take` says so.
@@ -83,7 +67,7 @@ bool holdsRange(const QString &target, QFile &source, qint64 offset, qint64 leng
 
 } // namespace
 
-PendingFile::PendingFile(QString root, QString target) : root_(std::move(root)), target_(std::move(target)) {}
+PendingFile::PendingFile(const QString &root, const QString &target) : file_(root, target) {}
 
 PendingFile::~PendingFile()
 {
@@ -92,19 +76,15 @@ PendingFile::~PendingFile()
 
 bool PendingFile::open()
 {
-    if (!prepareFolder())
-        return false;
-    file_ = std::make_unique<QSaveFile>(target_);
-    if (file_->open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+    if (prepareFolder() && file_.open())
         return true;
     discard();
     return false;
 }
 
-/// QSaveFile commits a file that lost its end to a full disk, so each count is compared here.
 bool PendingFile::write(QByteArrayView bytes)
 {
-    if (file_ && file_->write(bytes.data(), bytes.size()) == bytes.size())
+    if (file_.isOpen() && file_.write(bytes))
         return true;
     discard();
     return false;
@@ -112,8 +92,7 @@ bool PendingFile::write(QByteArrayView bytes)
 
 bool PendingFile::commit()
 {
-    if (file_ && prepareFolder() && file_->commit()) {
-        file_.reset();
+    if (file_.isOpen() && prepareFolder() && file_.replaceTarget()) {
         createdFolders_.clear();
         return true;
     }
@@ -121,32 +100,18 @@ bool PendingFile::commit()
     return false;
 }
 
+/// Only empty folders go; one that something else has moved into stays.
 void PendingFile::discard()
 {
-    if (file_)
-        file_->cancelWriting();
-    file_.reset();
-    removeCreatedFolders();
+    file_.remove();
+    for (const QString &folder : std::as_const(createdFolders_))
+        removeEmptyFolder(folder);
+    createdFolders_.clear();
 }
 
 bool PendingFile::prepareFolder()
 {
-    if (!isInsideRoot(root_, target_))
-        return false;
-    const QString folder = QFileInfo(target_).absolutePath();
-    createdFolders_ += missingFolders(folder);
-    // Tried twice: a download that gave up may remove an empty parent between two of the steps.
-    if (!QDir().mkpath(folder) && !QDir().mkpath(folder))
-        return false;
-    return isInsideRoot(root_, target_);
-}
-
-/// Only empty folders go; one that something else has moved into stays.
-void PendingFile::removeCreatedFolders()
-{
-    for (const QString &folder : std::as_const(createdFolders_))
-        QDir().rmdir(folder);
-    createdFolders_.clear();
+    return file_.prepareFolder(createdFolders_);
 }
 
 bool writeFileAtomically(const QString &root, const QString &target, QByteArrayView bytes)

@@ -1,11 +1,6 @@
 #pragma once
 
-#include <QByteArrayView>
-#include <QSaveFile>
-#include <QString>
-#include <QStringList>
-
-#include <memory>
+#include "packages/temporary_file.h"
 
 class QFile;
 
@@ -31,7 +26,7 @@ bool copyRangeAtomically(const QString &root, const QString &target, QFile &sour
 class PendingFile
 {
 public:
-    PendingFile(QString root, QString target);
+    PendingFile(const QString &root, const QString &target);
     ~PendingFile();
     Q_DISABLE_COPY_MOVE(PendingFile)
 
@@ -53,12 +48,8 @@ public:
     bool prepareFolder();
 
 private:
-    void removeCreatedFolders();
-
-    QString root_;
-    QString target_;
+    TemporaryFile file_;
     QStringList createdFolders_; ///< deepest first
-    std::unique_ptr<QSaveFile> file_;
 };
 
 } // namespace quillmar

@@ -107,12 +107,16 @@ QString safeRelativePath(const QString &path)
     return std::ranges::all_of(segments, isSafeSegment) ? clean : QString();
 }
 
-bool isInsideRoot(const QString &root, const QString &candidate)
+QString pathBelowRoot(const QString &root, const QString &candidate)
 {
     const QString path = QDir::cleanPath(QFileInfo(candidate).absoluteFilePath());
-    if (path.isEmpty() || (path != root && !path.startsWith(root + u'/', Qt::CaseInsensitive)))
-        return false;
-    return isFreeOfLinks(path);
+    return path == root || path.startsWith(root + u'/', Qt::CaseInsensitive) ? path : QString();
+}
+
+bool isInsideRoot(const QString &root, const QString &candidate)
+{
+    const QString path = pathBelowRoot(root, candidate);
+    return !path.isEmpty() && isFreeOfLinks(path);
 }
 
 } // namespace quillmar

@@ -15,6 +15,10 @@ bool isSafeProductKey(const QString &key);
 /// a Windows device name, or holds a control character or one of `:<>"|?*`. Never repaired.
 QString safeRelativePath(const QString &path);
 
+/// `candidate`, made absolute and cleaned, when that is `root` or below it; otherwise empty. Looks at the
+/// text alone, the folders of the root in any case of letters.
+QString pathBelowRoot(const QString &root, const QString &candidate);
+
 /// `candidate`, made absolute and cleaned, is `root` or below it, and neither it nor any folder above it, up
 /// to the top of the volume, is a symbolic link or (Windows) a reparse point. Paths that do not exist yet
 /// pass.
