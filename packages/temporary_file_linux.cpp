@@ -2,9 +2,9 @@
 #include "packages/temporary_file.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QRandomGenerator>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <linux/openat2.h>
@@ -24,6 +24,7 @@ namespace
 constexpr int kFolderFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 constexpr mode_t kFolderMode = 0777; ///< less what the user's mask takes away
 constexpr mode_t kFileMode = 0666;
+constexpr mode_t kPermissions = 0777;
 
 class Descriptor
 {
@@ -116,6 +117,12 @@ QByteArray wayTo(const Descriptor &file)
     return "/proc/self/fd/" + QByteArray::number(file.number());
 }
 
+/// Some file systems have nothing to synchronise and say so with an error of their own.
+bool isOnDisk(const Descriptor &file)
+{
+    return ::fdatasync(file.number()) == 0 || (errno != EIO && errno != ENOSPC && errno != EDQUOT);
+}
+
 } // namespace
 
 struct TemporaryFile::State {
@@ -187,7 +194,7 @@ bool TemporaryFile::open()
                                      O_CREAT | O_EXCL | O_RDWR | O_NOFOLLOW | O_CLOEXEC, kFileMode));
     }
     if (s.file.isOpen() && isThere && S_ISREG(old.st_mode))
-        ::fchmod(s.file.number(), old.st_mode & 07777);
+        ::fchmod(s.file.number(), old.st_mode & kPermissions);
     return s.file.isOpen();
 }
 
@@ -200,9 +207,11 @@ bool TemporaryFile::write(QByteArrayView bytes)
 {
     while (!bytes.isEmpty()) {
         const ssize_t count = ::write(state_->file.number(), bytes.data(), static_cast<size_t>(bytes.size()));
-        if (count <= 0 && errno != EINTR)
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
             return false;
-        bytes = bytes.sliced(std::max<ssize_t>(count, 0));
+        bytes = bytes.sliced(count);
     }
     return true;
 }
@@ -210,7 +219,7 @@ bool TemporaryFile::write(QByteArrayView bytes)
 bool TemporaryFile::replaceTarget()
 {
     State &s = *state_;
-    if (::fdatasync(s.file.number()) != 0)
+    if (!isOnDisk(s.file))
         return false;
     const bool replaced = s.temporary.isEmpty() ? s.link(s.name) || (errno == EEXIST && s.linkOverTarget())
                                                 : s.rename(s.home, s.temporary);

@@ -249,7 +249,8 @@ void makePersianPack(Workshop &workshop)
                      .gallery = {picture(plateAddress, u"زیرنویس"_s)}});
     pack.publish({.version = u"1.0.0"_s,
                   .name = u"بستهٔ شب نئونی"_s,
-                  .description = u"صحنه‌های تمام‌صفحه و زیرنویس فارسی برای پخش زنده؛ با حروف درشت و "
+                  .description = u"صحنه‌های تمام‌صفحه و زیرنویس فارسی برای پخش زنده؛ با حروف درشت "
+                                 u"و "
                                  u"خوانا و "
                                  u"نور سبز نئونی."_s,
                   .category = u"صحنه‌ها"_s},
