@@ -247,12 +247,11 @@ void makePersianPack(Workshop &workshop)
                      .sortOrder = 5,
                      .variant = u"راست‌به‌چپ"_s,
                      .gallery = {picture(plateAddress, u"زیرنویس"_s)}});
+    const QString description =
+        u"صحنه‌های تمام‌صفحه و زیرنویس فارسی برای پخش زنده؛ با حروف درشت و خوانا و نور سبز نئونی."_s;
     pack.publish({.version = u"1.0.0"_s,
                   .name = u"بستهٔ شب نئونی"_s,
-                  .description = u"صحنه‌های تمام‌صفحه و زیرنویس فارسی برای پخش زنده؛ با حروف درشت "
-                                 u"و "
-                                 u"خوانا و "
-                                 u"نور سبز نئونی."_s,
+                  .description = description,
                   .category = u"صحنه‌ها"_s},
                  Archiver::Python, u"shab-e-neon-cover.png"_s,
                  showPack(shown.at(1), shown.at(0), plateShown, u"شب نئونی"_s), u"جلد"_s);
