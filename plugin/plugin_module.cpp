@@ -6,6 +6,8 @@
 #include "plugin/locale_table.h"
 #include "plugin/plugin_log.h"
 #include "service/account.h"
+#include "service/quota_status.h"
+#include "service/update_checker.h"
 #include "ui/dock_panel.h"
 #include "ui/language_preference.h"
 
@@ -56,11 +58,16 @@ bool PluginModule::load()
     settingsPath_ = ObsString(obs_module_get_config_path(handle_, "settings.ini")).text();
     applySavedLanguage();
     buildPanel();
+    buildQuota();
     buildDownloads();
     buildCatalogue();
+    buildUpdateChecker();
     connectPanel();
     if (!registerDock()) {
         return false;
+    }
+    if (updateChecker_) {
+        updateChecker_->scheduleStart();
     }
     restoreSession();
     return true;
@@ -69,6 +76,7 @@ bool PluginModule::load()
 void PluginModule::unload()
 {
     delete downloads_;
+    delete updateChecker_;
     // At a normal exit OBS has destroyed the panel already, and with it the dock.
     if (panel_) {
         obs_frontend_remove_dock(DockId);
@@ -105,35 +113,48 @@ void PluginModule::buildPanel()
     account_ = new Account(session_, *store_, *panel_, network_, log_, panel_);
 }
 
+void PluginModule::buildQuota()
+{
+    quota_ = new QuotaStatus(session_, network_, localisation_, panel_);
+    const auto call = [quota = quota_](void (QuotaStatus::*function)()) {
+        return [quota, function] {
+            if (quota) {
+                (quota.data()->*function)();
+            }
+        };
+    };
+    panel_->setQuota(quota_, {.refresh = call(&QuotaStatus::refresh),
+                              .clear = call(&QuotaStatus::clear),
+                              .updateText = call(&QuotaStatus::updateText)});
+}
+
 void PluginModule::buildDownloads()
 {
     downloads_ = new ProductDownloads(network_, QString());
     downloads_->setCallbacks({
         .token = [this] { return session_.token(); },
         .generation = [this] { return session_.generation(); },
-        .sessionExpired =
-            [this] {
-                if (account_) {
-                    account_->expireSession();
-                }
-            },
-        .quotaChanged =
-            [this] {
-                if (panel_) {
-                    panel_->refreshQuota();
-                }
-            },
+        .sessionExpired = [this] { expireSession(); },
+        .quotaChanged = [this] { refreshQuota(); },
     });
+    quota_->setSessionExpired([this] { expireSession(); });
 }
 
 void PluginModule::buildCatalogue()
 {
-    const auto quotaChanged = [panel = panel_] {
+    panel_->setProductList(
+        new ProductList(CatalogueServices{localisation_, downloads_}, [this] { refreshQuota(); }));
+}
+
+void PluginModule::buildUpdateChecker()
+{
+    updateChecker_ = new UpdateChecker(panel_, QStringLiteral(QUILLMAR_VERSION), settingsPath_);
+    updateChecker_->setResultCallback([panel = panel_](const UpdateInfo &info, bool available) {
         if (panel) {
-            panel->refreshQuota();
+            panel->showUpdate(info, available);
         }
-    };
-    panel_->setProductList(new ProductList(CatalogueServices{localisation_, downloads_}, quotaChanged));
+    });
+    updateChecker_->setLogCallback([this](const QString &message) { log_(LogLevel::Warning, message); });
 }
 
 void PluginModule::connectPanel()
@@ -165,6 +186,20 @@ void PluginModule::restoreSession()
     }
     panel_->setSignInEnabled(false);
     account_->requestProducts(token, true);
+}
+
+void PluginModule::expireSession()
+{
+    if (account_) {
+        account_->expireSession();
+    }
+}
+
+void PluginModule::refreshQuota()
+{
+    if (quota_) {
+        quota_->refresh();
+    }
 }
 
 } // namespace quillmar

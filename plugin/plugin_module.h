@@ -20,6 +20,8 @@ class Account;
 class DockPanel;
 class LocaleTable;
 class ProductDownloads;
+class QuotaStatus;
+class UpdateChecker;
 
 /// Everything between load and unload: builds the objects of the module, wires them, and takes them down.
 ///
@@ -38,7 +40,8 @@ public:
     PluginModule(const PluginModule &) = delete;
     PluginModule &operator=(const PluginModule &) = delete;
 
-    /// Builds the panel, registers the dock and takes up a kept session. False when OBS refuses the dock.
+    /// Builds the panel, registers the dock, has the update check begin and takes up a kept session. False
+    /// when OBS refuses the dock.
     bool load();
 
     /// Ends running work, then removes the dock. Waits for worker tasks.
@@ -48,11 +51,15 @@ private:
     void applySavedLanguage();
     void addLibraryPath() const;
     void buildPanel();
+    void buildQuota();
     void buildDownloads();
     void buildCatalogue();
+    void buildUpdateChecker();
     void connectPanel();
     bool registerDock();
     void restoreSession();
+    void expireSession();
+    void refreshQuota();
 
     obs_module_t *handle_;
     LocaleTable &locale_;
@@ -64,7 +71,9 @@ private:
     QPointer<DockPanel> panel_;
     QPointer<QNetworkAccessManager> network_;
     QPointer<Account> account_;
+    QPointer<QuotaStatus> quota_;
     QPointer<ProductDownloads> downloads_;
+    QPointer<UpdateChecker> updateChecker_;
     bool isDockAdded_ = false;
 };
 

@@ -14,8 +14,9 @@ namespace
 
 constexpr std::chrono::milliseconds AccountTimeout = 30s;
 constexpr std::chrono::milliseconds FileTimeout = 120s;
+constexpr std::chrono::milliseconds VersionTimeout = 15s;
 
-/// What all requests have in common: nothing is followed, nothing is remembered for another request, and one
+/// What requests have in common: nothing is followed, nothing is remembered for another request, and one
 /// protocol version, so that connections behave alike wherever the service runs.
 QNetworkRequest plainRequest(QLatin1StringView route)
 {
@@ -87,6 +88,14 @@ QNetworkRequest downloadFile(const QString &ticket)
     request.setRawHeader("X-Quillmar-Ticket", ticket.toUtf8());
     request.setRawHeader("Accept-Encoding", "identity");
     request.setTransferTimeout(FileTimeout);
+    return request;
+}
+
+QNetworkRequest pluginVersion()
+{
+    QNetworkRequest request = plainRequest(QLatin1StringView("plugin-version"));
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::SameOriginRedirectPolicy);
+    request.setTransferTimeout(VersionTimeout);
     return request;
 }
 

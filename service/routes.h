@@ -6,9 +6,10 @@
 /// Requests of the web service, complete with address, method-independent headers, transfer time-out and
 /// policies.
 ///
-/// Redirects are never followed: Qt would carry the Authorization header to another host and repeat a POST
-/// body there. The host is the build-time constant QUILLMAR_SERVICE_HOST. `token` and `ticket` are sent as
-/// their UTF-8 bytes, read by the caller at the moment it builds the request.
+/// Redirects are never followed where a token, a ticket or a password travels: Qt would carry the
+/// Authorization header to another host and repeat a POST body there. No request brings or keeps cookies or
+/// stored credentials. The host is the build-time constant QUILLMAR_SERVICE_HOST. `token` and `ticket` are
+/// sent as their UTF-8 bytes, read by the caller at the moment it builds the request.
 namespace quillmar::routes
 {
 
@@ -33,5 +34,8 @@ QNetworkRequest downloadTicket(const QString &token);
 /// POST with an empty body, no content type and no bearer token; 120 s without a byte. Asks for the bytes as
 /// they are, so that sizes and digests speak of what is on the wire.
 QNetworkRequest downloadFile(const QString &ticket);
+
+/// GET without any sign of who asks; 15 s. Follows redirects within the service's own origin.
+QNetworkRequest pluginVersion();
 
 } // namespace quillmar::routes

@@ -1,8 +1,7 @@
 #include "ui/language_preference.h"
 
 #include "ui/localisation.h"
-
-#include <QSettings>
+#include "ui/settings_file.h"
 
 using namespace Qt::StringLiterals;
 
@@ -20,16 +19,15 @@ QString loadLanguage(const QString &path)
 {
     if (path.isEmpty())
         return PersianCode;
-    const QSettings settings(path, QSettings::IniFormat);
-    return settings.value(LanguageKey).toString() == EnglishCode ? EnglishCode : PersianCode;
+    QString language;
+    useSettings(
+        path, [&language](const QSettings &settings) { language = settings.value(LanguageKey).toString(); });
+    return language == EnglishCode ? EnglishCode : PersianCode;
 }
 
 bool saveLanguage(const QString &path, const QString &code)
 {
-    QSettings settings(path, QSettings::IniFormat);
-    settings.setValue(LanguageKey, code);
-    settings.sync();
-    return settings.status() == QSettings::NoError;
+    return useSettings(path, [&code](QSettings &settings) { settings.setValue(LanguageKey, code); });
 }
 
 } // namespace quillmar

@@ -71,12 +71,4 @@ QString isolateBrandName(const QString &text)
     return QString(text).replace(brand, QChar(LeftToRightIsolate) + brand + QChar(PopDirectionalIsolate));
 }
 
-QString leftWithoutSplitting(const QString &text, qsizetype maximum)
-{
-    if (text.size() <= maximum)
-        return text;
-    const bool splits = maximum > 0 && text[maximum - 1].isHighSurrogate() && text[maximum].isLowSurrogate();
-    return text.left(splits ? maximum - 1 : maximum);
-}
-
 } // namespace quillmar

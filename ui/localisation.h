@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/text_cut.h"
+
 #include <QLabel>
 #include <QString>
 
@@ -66,8 +68,5 @@ void clearTranslatedText(QLabel *label);
 /// `text` with every "Quillmar" between a left-to-right isolate (U+2066) and its end (U+2069).
 /// Case-sensitive.
 QString isolateBrandName(const QString &text);
-
-/// The first `maximum` UTF-16 units of `text`, one fewer where the cut would split a surrogate pair.
-QString leftWithoutSplitting(const QString &text, qsizetype maximum);
 
 } // namespace quillmar

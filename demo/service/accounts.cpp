@@ -29,7 +29,7 @@ std::vector<Account> demoAccounts()
     Account exhausted = ordinary(u"quota"_s);
     exhausted.quota.usedAtDawn = exhausted.quota.used = exhausted.quota.limit;
     Account expiring = ordinary(u"expired"_s);
-    expiring.requestsPerSession = 1;
+    expiring.requestsPerSession = 2; // what a sign-in asks for: the quota and the list
     Account elsewhere = ordinary(u"country"_s);
     elsewhere.countryAllowed = false;
     Account empty = ordinary(u"empty"_s);

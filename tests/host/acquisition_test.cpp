@@ -53,10 +53,12 @@ void AcquisitionTest::twoClicksAtOnceCauseOneTicketAndOneFile()
 
 void AcquisitionTest::cachedPackageNeedsNoRequest()
 {
-    const qsizetype before = served_->service().requests().size();
+    const int tickets = ticketRequests();
+    const int files = fileRequests();
     QVERIFY2(panel().press({u"Host pair"_s, u"First"_s}), qPrintable(panel().problem()));
     QTRY_VERIFY_WITH_TIMEOUT(served_->state().source(u"Quillmar - First (2)"_s), 20000);
-    QCOMPARE(served_->service().requests().size(), before);
+    QCOMPARE(ticketRequests(), tickets);
+    QCOMPARE(fileRequests(), files);
 }
 
 void AcquisitionTest::cacheSurvivesARestart()

@@ -51,6 +51,8 @@ void RoutesTest::requests_data()
                                      << bearer << json << none;
     QTest::newRow("download-file") << routes::downloadFile(token) << address("download-file") << 120000
                                    << none << none << QByteArray("abc");
+    QTest::newRow("plugin-version") << routes::pluginVersion() << address("plugin-version") << 15000 << none
+                                    << none << none;
 }
 
 void RoutesTest::requests()
@@ -75,7 +77,10 @@ void RoutesTest::policies()
     const auto attribute = [&request](QNetworkRequest::Attribute name) {
         return request.attribute(name).toInt();
     };
-    QCOMPARE(attribute(QNetworkRequest::RedirectPolicyAttribute), int(QNetworkRequest::ManualRedirectPolicy));
+    const bool isAnonymous = request.url() == address("plugin-version");
+    QCOMPARE(
+        attribute(QNetworkRequest::RedirectPolicyAttribute),
+        int(isAnonymous ? QNetworkRequest::SameOriginRedirectPolicy : QNetworkRequest::ManualRedirectPolicy));
     QCOMPARE(attribute(QNetworkRequest::CookieLoadControlAttribute), int(QNetworkRequest::Manual));
     QCOMPARE(attribute(QNetworkRequest::CookieSaveControlAttribute), int(QNetworkRequest::Manual));
     QCOMPARE(attribute(QNetworkRequest::AuthenticationReuseAttribute), int(QNetworkRequest::Manual));

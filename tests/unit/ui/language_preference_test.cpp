@@ -27,6 +27,8 @@ private Q_SLOTS:
     void failedSaveKeepsThePreviousLanguage();
     void directoryInPlaceOfTheFileFails();
     void fileInPlaceOfTheFolderFails();
+    void hugeFileIsLeftAlone();
+    void valueThatAsksForAllMemory();
 
 private:
     QString path() const { return folder_->filePath(u"settings.ini"_s); }
@@ -120,6 +122,29 @@ void LanguagePreferenceTest::fileInPlaceOfTheFolderFails()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.close();
     QVERIFY(!saveLanguage(path() + u"/settings.ini"_s, u"en-US"_s));
+}
+
+void LanguagePreferenceTest::hugeFileIsLeftAlone()
+{
+    const QByteArray content = "[General]\nlanguage=en-US\nnoise=" + QByteArray(1024 * 1024, 'x');
+    QFile file(path());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), content.size());
+    file.close();
+    QCOMPARE(loadLanguage(path()), u"fa-IR"_s);
+    QVERIFY(!saveLanguage(path(), u"fa-IR"_s));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), content);
+}
+
+void LanguagePreferenceTest::valueThatAsksForAllMemory()
+{
+    QFile file(path());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.write("[General]\nlanguage=@Variant(\\0\\0\\0\\t\\xff\\xff\\xff\\xf0\\0)\n") > 0);
+    file.close();
+    QCOMPARE(loadLanguage(path()), u"fa-IR"_s);
+    QVERIFY(!saveLanguage(path(), u"en-US"_s));
 }
 
 } // namespace quillmar::test
