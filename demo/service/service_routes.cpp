@@ -156,11 +156,12 @@ Answer ServiceRoutes::downloadFile(const QHttpServerRequest &request, Account *)
 
 Answer ServiceRoutes::pluginVersion(const QHttpServerRequest &, Account *)
 {
-    return served({{u"latest_version"_s, u"0.2.0"_s},
-                   {u"download_url"_s, u"https://%1%2"_s.arg(host_, kDownloadPage)},
-                   {u"required"_s, false},
-                   {u"release_notes"_s, u"Faster downloads, a calmer gallery and new stinger controls.\n"
-                                        u"دانلود سریع‌تر و گالری آرام‌تر."_s}});
+    return served(
+        {{u"latest_version"_s, u"0.2.0"_s},
+         {u"download_url"_s, u"https://%1%2"_s.arg(host_, kDownloadPage)},
+         {u"required"_s, false},
+         {u"release_notes"_s, u"Faster downloads, a calmer gallery and new stinger controls.\n"
+                              u"\u2067دانلود سریع‌تر و گالری آرام‌تر.\u2069"_s}});
 }
 
 Answer ServiceRoutes::preview(const QHttpServerRequest &request, Account *)

@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+#include <algorithm>
+
 namespace quillmar::test
 {
 
@@ -36,6 +38,7 @@ private Q_SLOTS:
     void bannerFollowsTheLanguage();
     void quotaAppearsAfterSignIn();
     void quotaFollowsTheLanguage();
+    void narrowDockShowsBothWhole();
     void downloadCountsDown();
     void cachedComponentCountsNothing();
     void directDownloadOfTheSamePackageCountsNothing();
@@ -122,7 +125,7 @@ bool QuotaUpdateTest::screenshot(const QString &name)
 void QuotaUpdateTest::initTestCase()
 {
     QString problem;
-    served_ = ServedSession::start({}, &problem);
+    served_ = ServedSession::start({.frames = {{u"Frame"_s, u"center"_s, 640, 360}}}, &problem);
     QVERIFY2(served_, qPrintable(problem));
 }
 
@@ -166,6 +169,25 @@ void QuotaUpdateTest::quotaFollowsTheLanguage()
         QVERIFY(screenshot(u"quota-"_s + language));
     }
     QCOMPARE(served_->service().count(u"download-quota"_s), 1);
+}
+
+void QuotaUpdateTest::narrowDockShowsBothWhole()
+{
+    QVERIFY2(panel().robot().showDock(300), qPrintable(panel().problem()));
+    for (const QString &language : {u"fa-IR"_s, u"en-US"_s}) {
+        QVERIFY2(panel().setLanguage(language), qPrintable(panel().problem()));
+        QVERIFY2(waitForQuota(daily(25)), qPrintable(panel().problem()));
+        const auto isWhole = [](const WidgetTree &tree) {
+            const Widget *frame = banner(tree);
+            const auto lines = tree.allBelow(*frame, [](const Widget &w) { return w.role == "label"_L1; });
+            return !lines.isEmpty() && std::ranges::all_of(lines, [frame](const Widget *line) {
+                return frame->rect.contains(line->rect) && line->rect.height() >= line->needed.height();
+            });
+        };
+        QVERIFY2(panel().robot().waitFor(isWhole, u"the whole banner"_s), qPrintable(panel().problem()));
+        QVERIFY(screenshot(u"narrow-"_s + language));
+    }
+    QVERIFY2(panel().robot().showDock(HostSession::DockWidth), qPrintable(panel().problem()));
 }
 
 void QuotaUpdateTest::downloadCountsDown()

@@ -1,4 +1,5 @@
 #include "demo/service/accounts.h"
+#include "service/quota_info.h"
 #include "tests/unit/demo/service_fixture.h"
 
 #include <QTest>
@@ -21,6 +22,8 @@ private Q_SLOTS:
     void accountsSpendApart();
     void newDayBeginsAfresh();
     void newDayLeavesTheExhaustedExhausted();
+    void moduleUnderstandsEveryAccount_data();
+    void moduleUnderstandsEveryAccount();
 
 private:
     static int remaining(ServiceFixture &service, const QByteArray &token)
@@ -111,6 +114,30 @@ void QuotaTest::newDayLeavesTheExhaustedExhausted()
     QVERIFY(account);
     account->quota.renew(account->quota.day.addDays(1));
     QVERIFY(account->quota.isExhausted());
+}
+
+void QuotaTest::moduleUnderstandsEveryAccount_data()
+{
+    QTest::addColumn<qint64>("remaining");
+    QTest::addColumn<bool>("unlimited");
+    QTest::newRow("demo") << qint64(25) << false;
+    QTest::newRow("quota") << qint64(0) << false;
+    QTest::newRow("empty") << qint64(0) << true;
+    QTest::newRow("expired") << qint64(25) << false;
+}
+
+void QuotaTest::moduleUnderstandsEveryAccount()
+{
+    QFETCH(const qint64, remaining);
+    QFETCH(const bool, unlimited);
+    ServiceFixture service;
+    const QByteArray token = service.token(QString::fromLatin1(QTest::currentDataTag()));
+    const QuotaInfo info = parseQuota(service.get(u"download-quota"_s, token).json);
+    QCOMPARE(info.state, QuotaInfo::State::Loaded);
+    QVERIFY(info.enabled);
+    QCOMPARE(info.unlimited, unlimited);
+    QCOMPARE(info.remaining, remaining);
+    QCOMPARE(info.resetAt.isValid(), !unlimited);
 }
 
 } // namespace quillmar::test

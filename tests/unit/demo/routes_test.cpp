@@ -1,3 +1,4 @@
+#include "service/update_info.h"
 #include "tests/unit/demo/service_fixture.h"
 
 #include <QJsonArray>
@@ -107,7 +108,9 @@ void RoutesTest::pluginVersionIsNewer()
     QCOMPARE(answered.status, 200);
     QCOMPARE(answered.json.value("latest_version"_L1).toString(), u"0.2.0"_s);
     QCOMPARE(answered.json.value("required"_L1), QJsonValue(false));
-    QVERIFY(!answered.json.value("release_notes"_L1).toString().isEmpty());
+    const auto info = parseUpdateReply(answered.body);
+    QVERIFY(info && parseVersion(info->latestVersion) > parseVersion(u"0.1.3"_s));
+    QVERIFY(!info->releaseNotes.isEmpty());
     const QUrl url(answered.json.value("download_url"_L1).toString(), QUrl::StrictMode);
     QCOMPARE(url.scheme(), u"https"_s);
     QCOMPARE(url.host(), u"localhost"_s);
