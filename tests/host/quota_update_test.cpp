@@ -111,7 +111,8 @@ bool QuotaUpdateTest::restart()
     QString problem;
     if (exit.inTime && exit.code == 0 && served_->session().startObs(&problem))
         return true;
-    qWarning() << "OBS did not end or start in order:" << problem;
+    qWarning() << "OBS did not end or start in order: in time" << exit.inTime << "crashed" << exit.crashed
+               << "code" << exit.code << "milliseconds" << exit.milliseconds << problem;
     return false;
 }
 

@@ -142,7 +142,7 @@ void UpdateSettingsTest::hostileTimes()
 void UpdateSettingsTest::noiseInsteadOfSettings()
 {
     UpdateFixture f;
-    f.writeSettings(QByteArray("\0\xff[[[=\n[Updates\nresponse\n=\n", 29));
+    f.writeSettings(QByteArray("\0\xff[[[=\n[Updates\nresponse\n=\n", 27));
     f.checker->start();
     QVERIFY(f.isAsking());
     QTRY_COMPARE(f.results.size(), 1);
