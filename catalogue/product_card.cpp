@@ -55,6 +55,8 @@ ProductCard::ProductCard(const QJsonObject &product, const CatalogueServices &se
     else
         addComponentActions(services);
     retranslate();
+    // Only now: a layout in place asks to be done again for every widget and every text.
+    setLayout(layout_);
 }
 
 void ProductCard::buildLabels()
@@ -85,7 +87,7 @@ void ProductCard::describe()
 
 void ProductCard::layOut()
 {
-    layout_ = new QVBoxLayout(this);
+    layout_ = new QVBoxLayout;
     layout_->setContentsMargins(12, 12, 12, 12);
     layout_->setSpacing(10);
     layout_->addWidget(previewLabel_);

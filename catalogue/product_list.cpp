@@ -159,18 +159,20 @@ void ProductList::applyFilter()
 {
     const QString query = search_->text().trimmed();
     const QString category = categories_->currentData().toString();
-    QList<ProductCard *> changed;
+    QList<ProductCard *> appearing;
     bool anyVisible = false;
     for (ProductCard *card : std::as_const(cards_)) {
         const bool visible = matches(*card, query, category);
         anyVisible = anyVisible || visible;
-        if (visible == card->isHidden())
-            changed.append(card);
+        if (!visible)
+            card->hide();
+        else if (card->isHidden())
+            appearing.append(card);
     }
-    if (!changed.isEmpty()) {
+    if (!appearing.isEmpty()) {
         const HiddenWhileChanging hidden(container_);
-        for (ProductCard *card : std::as_const(changed))
-            card->setVisible(card->isHidden());
+        for (ProductCard *card : std::as_const(appearing))
+            card->show();
     }
     noResults_->setVisible(!anyVisible && isFilterActive(query));
 }

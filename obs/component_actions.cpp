@@ -5,6 +5,7 @@
 #include "ui/wrapping_label.h"
 
 #include <QDir>
+#include <QEvent>
 #include <QFrame>
 #include <QLabel>
 #include <QPushButton>
@@ -77,23 +78,32 @@ ComponentActions::ComponentActions(const ComponentProduct &product, ProductDownl
       toggle_(new QPushButton(this)),
       container_(new QWidget(this))
 {
-    auto *layout = new QVBoxLayout(this);
+    // Layouts are filled before they are put in place: in place they ask to be done again for every widget.
+    auto *layout = new QVBoxLayout;
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(toggle_);
     layout->addWidget(container_);
     container_->hide();
+    // Qt does not look for children to polish below a widget that is polished already.
+    container_->ensurePolished();
     toggle_->setCheckable(true);
     connect(toggle_, &QPushButton::toggled, container_, &QWidget::setVisible);
 
-    auto *cards = new QVBoxLayout(container_);
+    auto *cards = new QVBoxLayout;
     cards->setContentsMargins(0, 0, 0, 0);
     cards->setSpacing(8);
     for (qint32 index = 0; index < product_.components.size(); ++index) {
         addCard(cards, index);
     }
+    container_->setLayout(cards);
+    const QList<QWidget *> folded = container_->findChildren<QWidget *>();
+    for (QWidget *widget : folded) {
+        widget->installEventFilter(this);
+    }
     addAction(
         layout, 0, layout,
         {new QPushButton(this), createStatusLabel(this), WholePackage, false, "Component.FullDownload"});
+    setLayout(layout);
 
     if (expanded) {
         toggle_->setChecked(true);
@@ -114,7 +124,7 @@ void ComponentActions::addCard(QBoxLayout *layout, qint32 componentIndex)
         u"border-radius: 7px; }"_s);
     layout->addWidget(card);
 
-    auto *cardLayout = new QVBoxLayout(card);
+    auto *cardLayout = new QVBoxLayout;
     cardLayout->setContentsMargins(8, 8, 8, 8);
     cardLayout->setSpacing(6);
     auto *title = new WrappingLabel(card);
@@ -133,6 +143,17 @@ void ComponentActions::addCard(QBoxLayout *layout, qint32 componentIndex)
             row, 1, cardLayout,
             {new QPushButton(card), createStatusLabel(card), componentIndex, false, "Product.Download"});
     }
+    card->setLayout(cardLayout);
+}
+
+/// Qt polishes every new widget, also one that nobody sees; with style sheets that is most of what a widget
+/// costs. One that is shown is polished then.
+bool ComponentActions::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::PolishRequest && container_->isHidden()) {
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void ComponentActions::addAction(QBoxLayout *buttonLayout, int stretch, QBoxLayout *statusLayout,

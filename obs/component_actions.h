@@ -46,6 +46,9 @@ public:
     /// Shows every text in the current language, laid out in `direction`, the statuses on display included.
     void retranslate(Qt::LayoutDirection direction);
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     /// One action button. Entries are never reordered or dropped, so an index stays good while the widget
     /// lives.

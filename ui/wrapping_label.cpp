@@ -16,6 +16,9 @@ namespace
 /// UTF-16 units of a text that are laid out at most. A megabyte in one label takes seconds.
 constexpr qsizetype LongestShownText = 5000;
 
+/// Widths whose heights are remembered: with and without the scroll bar, narrowest, and one while resizing.
+constexpr qsizetype MeasuredWidths = 4;
+
 } // namespace
 
 WrappingLabel::WrappingLabel(QWidget *parent) : QLabel(parent)
@@ -48,6 +51,24 @@ QString WrappingLabel::shownPart() const
 
 int WrappingLabel::heightForWidth(int width) const
 {
+    ensurePolished();
+    if (measuredText_ != text()) {
+        heights_.clear();
+        measuredText_ = text();
+    }
+    for (const MeasuredHeight &measured : std::as_const(heights_)) {
+        if (measured.width == width)
+            return measured.height;
+    }
+    const int height = measureHeight(width);
+    if (heights_.size() == MeasuredWidths)
+        heights_.erase(heights_.cbegin());
+    heights_.append({width, height});
+    return height;
+}
+
+int WrappingLabel::measureHeight(int width) const
+{
     if (!isTooLong())
         return QLabel::heightForWidth(width);
     const QRect place(0, 0, width, QWIDGETSIZE_MAX);
@@ -70,6 +91,9 @@ void WrappingLabel::paintEvent(QPaintEvent *event)
 
 bool WrappingLabel::event(QEvent *event)
 {
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange ||
+        event->type() == QEvent::ContentsRectChange)
+        heights_.clear();
     if (event->type() != QEvent::ToolTip || toolTip().isEmpty())
         return QLabel::event(event);
     showPlainToolTip(this, static_cast<QHelpEvent *>(event)->globalPos());

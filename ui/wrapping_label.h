@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLabel>
+#include <QVarLengthArray>
 
 namespace quillmar
 {
@@ -27,8 +28,18 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    /// How high a text is at a width. A layout asks for a few widths, and for each of them again and again.
+    struct MeasuredHeight {
+        int width;
+        int height;
+    };
+
     bool isTooLong() const;
     QString shownPart() const;
+    int measureHeight(int width) const;
+
+    mutable QVarLengthArray<MeasuredHeight, 4> heights_;
+    mutable QString measuredText_;
 };
 
 } // namespace quillmar

@@ -50,6 +50,7 @@ private Q_SLOTS:
     void statusLabels();
     void titlesAreText();
     void foldedUntilToggled();
+    void foldedComponentsAreStyledWhenUnfolded();
     void expandedForGood();
     void captionsComeWithRetranslation();
     void captionsFromRightToLeft();
@@ -224,6 +225,21 @@ void ComponentActionsViewTest::foldedUntilToggled()
     fixture.toggle()->click();
     QVERIFY(container->isHidden());
     QVERIFY(!fixture.packageButton()->isHidden());
+}
+
+void ComponentActionsViewTest::foldedComponentsAreStyledWhenUnfolded()
+{
+    ActionsFixture f;
+    f.makeActions(false);
+    f.actions->show();
+    QVERIFY(QTest::qWaitForWindowExposed(f.actions.get()));
+    const QPushButton *button = f.addButton(ActionsFixture::Overlay);
+    QVERIFY(!button->testAttribute(Qt::WA_WState_Polished));
+    f.toggle()->click();
+    QCoreApplication::sendPostedEvents();
+    QVERIFY(button->testAttribute(Qt::WA_WState_Polished));
+    QCOMPARE(button->palette().color(QPalette::Button), QColor(u"#18C8F4"_s));
+    QCOMPARE(button->font().pixelSize(), 13);
 }
 
 void ComponentActionsViewTest::expandedForGood()

@@ -17,6 +17,8 @@ private Q_SLOTS:
     void neverWidensItsPlace();
     void layoutGivesItTheHeightOfItsText();
     void heightFollowsTheWidth();
+    void heightFollowsEverythingElse();
+    void heightIsThatOfAPlainLabelAtEveryWidth();
     void megabyteIsKeptWholeAndShownInPart();
     void longTextLooksLikeAnyOther();
 };
@@ -62,6 +64,38 @@ void WrappingLabelTest::heightFollowsTheWidth()
     WrappingLabel label;
     label.setText(u"one two three four five six seven eight nine ten"_s);
     QVERIFY(label.heightForWidth(80) > label.heightForWidth(1000));
+}
+
+void WrappingLabelTest::heightFollowsEverythingElse()
+{
+    WrappingLabel label;
+    label.setText(u"one two three four five six"_s);
+    const int first = label.heightForWidth(80);
+    QCOMPARE(label.heightForWidth(80), first);
+
+    label.setText(label.text() + label.text() + label.text());
+    const int longer = label.heightForWidth(80);
+    QVERIFY(longer > first);
+
+    label.setStyleSheet(u"font-size: 40px;"_s);
+    const int larger = label.heightForWidth(80);
+    QVERIFY(larger > longer);
+
+    label.setContentsMargins(0, 30, 0, 30);
+    QVERIFY(label.heightForWidth(80) >= larger + 60);
+}
+
+void WrappingLabelTest::heightIsThatOfAPlainLabelAtEveryWidth()
+{
+    WrappingLabel label;
+    label.setText(u"one two three four five six"_s);
+    QLabel plain;
+    plain.setWordWrap(true);
+    plain.setText(label.text());
+    for (int round = 0; round < 2; ++round) {
+        for (int width = 40; width < 400; width += 13)
+            QCOMPARE(label.heightForWidth(width), plain.heightForWidth(width));
+    }
 }
 
 void WrappingLabelTest::megabyteIsKeptWholeAndShownInPart()
