@@ -1,7 +1,9 @@
 #include "plugin/locale_table.h"
 #include "plugin/plugin_module.h"
+#include "service/session_file.h"
 
 #include "obs/libobs.h"
+#include "obs/obs_handles.h"
 
 #include <obs-module.h>
 
@@ -21,6 +23,14 @@ ModuleState &state()
 {
     static ModuleState instance;
     return instance;
+}
+
+/// The session lies beside the settings; without a folder of configuration nothing is kept.
+std::unique_ptr<quillmar::SessionStore> makeSessionStore()
+{
+    const QString path =
+        quillmar::ObsString(obs_module_get_config_path(state().handle, "session.dpapi")).text();
+    return std::make_unique<quillmar::SessionFile>(path, quillmar::makeTokenProtection());
 }
 
 } // namespace
@@ -56,8 +66,8 @@ bool obs_module_get_string(const char *key, const char **text)
 
 bool obs_module_load()
 {
-    state().plugin = std::make_unique<quillmar::PluginModule>(
-        state().handle, state().locale, std::make_unique<quillmar::VolatileSessionStore>());
+    state().plugin =
+        std::make_unique<quillmar::PluginModule>(state().handle, state().locale, makeSessionStore());
     return state().plugin->load();
 }
 

@@ -23,13 +23,4 @@ public:
     virtual bool remove() = 0;
 };
 
-/// Keeps nothing: each run starts signed out.
-class VolatileSessionStore final : public SessionStore
-{
-public:
-    bool save(const QString &) override { return true; }
-    QString load() override { return {}; }
-    bool remove() override { return true; }
-};
-
 } // namespace quillmar

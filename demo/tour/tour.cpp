@@ -3,7 +3,7 @@
 #include "demo/tour/expected_state.h"
 #include "demo/tour/readability.h"
 #include "demo/tour/state_table.h"
-#include "tests/host/support/waiting.h"
+#include "tests/support/processes/waiting.h"
 
 #include <QTextStream>
 

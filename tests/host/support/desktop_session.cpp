@@ -1,7 +1,7 @@
 #include "tests/host/support/desktop_session.h"
 
-#include "tests/host/support/child_process.h"
-#include "tests/host/support/waiting.h"
+#include "tests/support/processes/child_process.h"
+#include "tests/support/processes/waiting.h"
 
 #include <QDir>
 #include <QFile>
@@ -52,6 +52,8 @@ std::unique_ptr<DesktopSession> DesktopSession::start(QSize screen, QString *pro
         *problem = u"openbox does not start"_s;
     else if (!session->startBus())
         *problem = u"dbus-daemon does not start"_s;
+    else if (!session->startKeyring())
+        *problem = u"gnome-keyring-daemon does not start"_s;
     else
         return session;
     return nullptr;
@@ -59,7 +61,8 @@ std::unique_ptr<DesktopSession> DesktopSession::start(QSize screen, QString *pro
 
 DesktopSession::~DesktopSession()
 {
-    stopChild(bus_, 2s);
+    keyring_.reset();
+    bus_.stop();
     stopChild(windowManager_, 2s);
     stopChild(display_, 2s);
 }
@@ -68,7 +71,7 @@ QProcessEnvironment DesktopSession::environment() const
 {
     QProcessEnvironment environment = neutralEnvironment();
     environment.insert(u"DISPLAY"_s, displayName_);
-    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, busAddress_);
+    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, bus_.address());
     environment.insert(u"XDG_RUNTIME_DIR"_s, directory_.path());
     environment.insert(u"XDG_SESSION_TYPE"_s, u"x11"_s);
     environment.insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
@@ -100,11 +103,13 @@ bool DesktopSession::startWindowManager()
 bool DesktopSession::startBus()
 {
     QFile::setPermissions(directory_.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    const QStringList arguments{u"--session"_s, u"--nofork"_s, u"--nopidfile"_s, u"--print-address=1"_s};
-    if (!startChild(bus_, u"dbus-daemon"_s, arguments, neutralEnvironment(), {}))
-        return false;
-    busAddress_ = firstLine(bus_);
-    return !busAddress_.isEmpty();
+    return bus_.start();
+}
+
+bool DesktopSession::startKeyring()
+{
+    keyring_ = std::make_unique<GnomeKeyring>(bus_.address());
+    return keyring_->start();
 }
 
 } // namespace quillmar::test

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "tests/support/keyring/gnome_keyring.h"
+#include "tests/support/keyring/private_bus.h"
+
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QSize>
@@ -11,8 +14,8 @@
 namespace quillmar::test
 {
 
-/// What a program with windows needs to run: an X display, a window manager and a message bus, all of its
-/// own, so that tests neither see nor touch the desktop of the person who runs them.
+/// What a program with windows needs to run: an X display, a window manager, a message bus and an open
+/// keyring, all of its own, so that tests neither see nor touch the desktop of the person who runs them.
 class DesktopSession
 {
 public:
@@ -26,18 +29,21 @@ public:
     /// session.
     QProcessEnvironment environment() const;
 
+    GnomeKeyring &keyring() { return *keyring_; }
+
 private:
     DesktopSession() = default;
     bool startDisplay(QSize screen);
     bool startWindowManager();
     bool startBus();
+    bool startKeyring();
 
     QTemporaryDir directory_;
     QProcess display_;
     QProcess windowManager_;
-    QProcess bus_;
+    PrivateBus bus_{QStringLiteral("/usr/share/dbus-1/services")};
+    std::unique_ptr<GnomeKeyring> keyring_;
     QString displayName_;
-    QString busAddress_;
 };
 
 /// The caller's environment without everything that ties a program to a desktop, a locale or a home of the

@@ -1,6 +1,6 @@
 #include "tests/host/support/dock_robot.h"
 
-#include "tests/host/support/waiting.h"
+#include "tests/support/processes/waiting.h"
 
 namespace quillmar::test
 {

@@ -1,6 +1,6 @@
 #include "tests/host/support/driver_client.h"
 
-#include "tests/host/support/waiting.h"
+#include "tests/support/processes/waiting.h"
 
 #include <QJsonDocument>
 

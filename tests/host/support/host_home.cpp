@@ -74,6 +74,11 @@ QString HostHome::moduleSettings() const
     return obsConfiguration() + u"/plugin_config/quillmar-obs-plugin/settings.ini"_s;
 }
 
+QString HostHome::sessionFile() const
+{
+    return obsConfiguration() + u"/plugin_config/quillmar-obs-plugin/session.dpapi"_s;
+}
+
 QString HostHome::newestLog() const
 {
     const QDir logs(obsConfiguration() + u"/logs"_s);

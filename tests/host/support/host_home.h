@@ -36,6 +36,8 @@ public:
     QString packageRoot() const { return directory_.filePath(QStringLiteral("Downloads/Quillmar")); }
     /// settings.ini of the module.
     QString moduleSettings() const;
+    /// Where the module keeps the session between runs.
+    QString sessionFile() const;
     /// The newest log that OBS wrote.
     QString newestLog() const;
     /// The scene collection as OBS wrote it to disk.

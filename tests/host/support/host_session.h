@@ -30,6 +30,7 @@ public:
     QuillmarPanel &panel() { return *panel_; }
     ObsState state() { return ObsState(obs_->driver()); }
     QProcessEnvironment desktop() const { return desktop_->environment(); }
+    GnomeKeyring &keyring() { return desktop_->keyring(); }
 
     /// Starts OBS again in the same home, after it has ended.
     bool startObs(QString *problem);

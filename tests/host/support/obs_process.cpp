@@ -1,7 +1,7 @@
 #include "tests/host/support/obs_process.h"
 
-#include "tests/host/support/child_process.h"
-#include "tests/host/support/waiting.h"
+#include "tests/support/processes/child_process.h"
+#include "tests/support/processes/waiting.h"
 
 #include <QElapsedTimer>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "tests/host/support/robot_hand.h"
 
-#include "tests/host/support/child_process.h"
-#include "tests/host/support/waiting.h"
+#include "tests/support/processes/child_process.h"
+#include "tests/support/processes/waiting.h"
 
 #include <cstdlib>
 

@@ -1,5 +1,4 @@
 #include "service/session.h"
-#include "service/session_store.h"
 
 #include <QTest>
 
@@ -10,7 +9,6 @@ class SessionTest : public QObject
 private Q_SLOTS:
     void startsSignedOut();
     void everyChangeIsANewGeneration();
-    void volatileStoreKeepsNothing();
 };
 
 void SessionTest::startsSignedOut()
@@ -35,14 +33,6 @@ void SessionTest::everyChangeIsANewGeneration()
     QCOMPARE(session.generation(), 3U);
     session.clear();
     QCOMPARE(session.generation(), 4U);
-}
-
-void SessionTest::volatileStoreKeepsNothing()
-{
-    quillmar::VolatileSessionStore store;
-    QVERIFY(store.save(QStringLiteral("t")));
-    QCOMPARE(store.load(), QString());
-    QVERIFY(store.remove());
 }
 
 QTEST_GUILESS_MAIN(SessionTest)

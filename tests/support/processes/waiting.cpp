@@ -1,4 +1,4 @@
-#include "tests/host/support/waiting.h"
+#include "tests/support/processes/waiting.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>

@@ -1,4 +1,4 @@
-#include "tests/host/support/child_process.h"
+#include "tests/support/processes/child_process.h"
 
 #include <csignal>
 
@@ -8,12 +8,12 @@ namespace quillmar::test
 {
 
 bool startChild(QProcess &process, const QString &program, const QStringList &arguments,
-                const QProcessEnvironment &environment, const QString &log)
+                const QProcessEnvironment &environment, const QString &log, const QString &input)
 {
     process.setProgram(program);
     process.setArguments(arguments);
     process.setProcessEnvironment(environment);
-    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardInputFile(input);
     process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
     if (process.readChannel() == QProcess::StandardOutput && !log.isEmpty()) {
         process.setProcessChannelMode(QProcess::MergedChannels);
