@@ -22,13 +22,15 @@ int fail(const QString &problem)
     return 1;
 }
 
-// The user's own desktop, but none of the user's own OBS: home and settings are those of the demo.
-QProcessEnvironment desktopOfTheUser()
+// The user's own desktop, but none of the user's own OBS and keyring: home, settings and session are those of
+// the demo.
+QProcessEnvironment desktopOfTheUser(const QString &busAddress)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const QString &name : {u"XDG_CONFIG_HOME"_s, u"XDG_DATA_HOME"_s, u"XDG_CACHE_HOME"_s,
                                 u"XDG_STATE_HOME"_s, u"QT_QPA_PLATFORM"_s})
         environment.remove(name);
+    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, busAddress);
     if (!environment.contains(u"XAUTHORITY"_s))
         environment.insert(u"XAUTHORITY"_s, QDir::home().filePath(u".Xauthority"_s));
     return environment;
@@ -59,10 +61,15 @@ int main(int argc, char **argv)
     const HostHome home;
     if (!home.isValid())
         return fail(u"the home of the demo cannot be made"_s);
-    const auto obs = ObsProcess::start(home, desktopOfTheUser(), &problem);
+    PrivateBus bus(u"/usr/share/dbus-1/services"_s);
+    GnomeKeyring keyring(bus.address());
+    if (!bus.start() || !keyring.start())
+        return fail(u"the keyring of the demo does not start"_s);
+    const QProcessEnvironment desktop = desktopOfTheUser(bus.address());
+    const auto obs = ObsProcess::start(home, desktop, &problem);
     if (!obs)
         return fail(problem);
-    RobotHand hand(desktopOfTheUser());
+    RobotHand hand(desktop);
     if (DockRobot robot(obs->driver(), hand); !robot.showDock(DockWidth))
         return fail(robot.problem());
     QTextStream(stdout) << "The dock is at the right side; OBS lists it under Docks > Quillmar.\n"

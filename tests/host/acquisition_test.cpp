@@ -65,8 +65,7 @@ void AcquisitionTest::cacheSurvivesARestart()
 {
     QCOMPARE(served_->session().quit().code, 0);
     QString problem;
-    QVERIFY2(served_->session().startObs(&problem), qPrintable(problem));
-    QVERIFY2(served_->enter(u"demo"_s), qPrintable(panel().problem()));
+    QVERIFY2(served_->resume(&problem), qPrintable(problem));
     QVERIFY2(panel().press({u"Host pair"_s, u"Second"_s}), qPrintable(panel().problem()));
     QTRY_VERIFY_WITH_TIMEOUT(served_->state().source(u"Quillmar - Second (2)"_s), 20000);
     QCOMPARE(ticketRequests(), 1);

@@ -88,8 +88,7 @@ void ShutdownTest::checkExit(const ObsExit &exit)
 void ShutdownTest::checkThatTheNextRunWorks(ServedSession &served)
 {
     QString problem;
-    QVERIFY2(served.session().startObs(&problem), qPrintable(problem));
-    QVERIFY2(served.enter(u"demo"_s), qPrintable(served.panel().problem()));
+    QVERIFY2(served.resume(&problem), qPrintable(problem));
     QVERIFY2(served.panel().press(button_), qPrintable(served.panel().problem()));
     QTRY_VERIFY_WITH_TIMEOUT(served.state().source(u"Quillmar - Giant clip"_s), 60000);
     checkExit(served.session().obs().quit());

@@ -132,7 +132,22 @@ bool QuillmarPanel::signIn(const QString &name, const QString &password)
 
 bool QuillmarPanel::enter(const QString &name, const QString &password)
 {
-    return signIn(name, password) && waitForStatus(u"Status.LoginSuccess"_s) &&
+    return signIn(name, password) && waitForHome();
+}
+
+bool QuillmarPanel::showsSignInView() const
+{
+    const WidgetTree tree = robot_.tree();
+    const Widget *name = userNameField(tree);
+    const Widget *password = passwordField(tree);
+    const Widget *search = searchField(tree);
+    return name && name->visible && password && password->visible && !(search && search->visible) &&
+           buttonWithText(text(u"Login.Button"_s))(tree) && !buttonWithText(text(u"Logout.Button"_s))(tree);
+}
+
+bool QuillmarPanel::waitForHome()
+{
+    return waitForStatus(u"Status.LoginSuccess"_s) &&
            robot_.waitFor(
                [](const WidgetTree &tree) {
                    return tree.find(

@@ -35,6 +35,10 @@ public:
     bool signIn(const QString &name, const QString &password);
     /// Signs in and waits for the list of products.
     bool enter(const QString &name, const QString &password);
+    /// Waits until somebody is signed in and the products are listed.
+    bool waitForHome();
+    /// The fields to sign in with can be seen, and nothing of the home view.
+    bool showsSignInView() const;
     bool waitForStatus(const QString &key);
     QString statusKey() const;
 

@@ -30,6 +30,17 @@ bool ServedSession::startService(QString *problem)
     return service_ != nullptr;
 }
 
+bool ServedSession::resume(QString *problem)
+{
+    if (!session_->startObs(problem))
+        return false;
+    panel().assumeLanguage(u"en-US"_s);
+    if (panel().waitForHome())
+        return true;
+    *problem = panel().problem();
+    return false;
+}
+
 bool ServedSession::enter(const QString &account)
 {
     return panel().setLanguage(u"en-US"_s) && panel().enter(account, account);

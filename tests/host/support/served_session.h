@@ -35,6 +35,9 @@ public:
     void stopService() { service_->stop(); }
     /// A service on the same catalogue; its accounts and its log begin anew.
     bool startService(QString *problem);
+    /// Starts OBS again after it has ended, and waits until the kept session is restored, in English as
+    /// before.
+    bool resume(QString *problem);
     /// Switches to English, signs in with name and password alike, and waits for the products.
     bool enter(const QString &account);
 

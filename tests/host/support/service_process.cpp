@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 
 #include <algorithm>
+#include <csignal>
 
 namespace quillmar::test
 {
@@ -61,6 +62,16 @@ ServiceProcess::~ServiceProcess()
 void ServiceProcess::stop()
 {
     stopChild(process_, 5s);
+}
+
+void ServiceProcess::freeze()
+{
+    ::kill(static_cast<pid_t>(process_.processId()), SIGSTOP);
+}
+
+void ServiceProcess::thaw()
+{
+    ::kill(static_cast<pid_t>(process_.processId()), SIGCONT);
 }
 
 QList<QJsonObject> ServiceProcess::requests() const

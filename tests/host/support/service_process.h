@@ -30,6 +30,11 @@ public:
     /// Ends the service; its log stays readable.
     void stop();
 
+    /// Keeps the process alive but has it do nothing, and the reverse: the service cannot be reached for a
+    /// while, and forgets nothing.
+    void freeze();
+    void thaw();
+
     /// Every request answered so far: {"time", "method", "path", "status", "account", "reason"}.
     QList<QJsonObject> requests() const;
 

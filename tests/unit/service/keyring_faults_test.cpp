@@ -58,6 +58,7 @@ private Q_SLOTS:
     void cleanup();
     void silentService_data();
     void silentService();
+    void silentWhenAKeyIsToBeKept();
     void frozenKeyring();
     void frozenBus();
     void busThatNeverSpeaks();
@@ -104,6 +105,17 @@ void KeyringFaultsTest::silentService()
     QVERIFY(stub.isReady());
     checkThatNothingWorks(sealed_);
     QVERIFY(method == QStringLiteral("*") || stub.calls().contains(method));
+}
+
+void KeyringFaultsTest::silentWhenAKeyIsToBeKept()
+{
+    const StubKeyring stub(bus_.address(), {.silentAt = QStringLiteral("CreateItem")});
+    QVERIFY(stub.isReady());
+    QElapsedTimer clock;
+    clock.start();
+    QCOMPARE(makeTokenProtection()->protect(token()), QByteArray());
+    QVERIFY(clock.elapsed() < HungAfter);
+    QVERIFY(stub.calls().contains(QStringLiteral("CreateItem")));
 }
 
 void KeyringFaultsTest::frozenKeyring()
