@@ -13,7 +13,8 @@ struct UnrefObject {
 };
 
 /// A reference to a GLib object that is given back by itself.
-template <typename T> using ObjectHandle = std::unique_ptr<T, UnrefObject>;
+template <typename T>
+using ObjectHandle = std::unique_ptr<T, UnrefObject>;
 
 /// Asynchronous calls of GLib's libraries, waited for one after another and all together no longer than a
 /// deadline.
@@ -31,7 +32,8 @@ public:
 
     /// Lets `start` begin a call with the cancellable, callback and user data that it is given, and waits for
     /// the result, which after the deadline is an error.
-    template <typename Start> ObjectHandle<GAsyncResult> wait(Start start)
+    template <typename Start>
+    ObjectHandle<GAsyncResult> wait(Start start)
     {
         ObjectHandle<GAsyncResult> result;
         start(cancellable_.get(), &GlibCalls::keepResult, &result);

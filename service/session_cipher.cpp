@@ -4,6 +4,7 @@
 #include <openssl/evp.h>
 #include <openssl/rand.h>
 
+#include <algorithm>
 #include <limits>
 #include <memory>
 
@@ -89,9 +90,9 @@ QByteArray seal(const SecretBytes &plain, const SecretBytes &key)
         return {};
     }
     const Context context = begin({nonce, NonceSize}, key, true);
-    const bool isDone =
-        context && run(context.get(), plain.view(), bytesOf(content)) && finish(context.get()) &&
-        EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_GET_TAG, int(TagSize), tag) == 1;
+    const bool isDone = context && run(context.get(), plain.view(), bytesOf(content)) &&
+                        finish(context.get()) &&
+                        EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_GET_TAG, int(TagSize), tag) == 1;
     return isDone ? sealed : QByteArray();
 }
 

@@ -61,8 +61,8 @@ Unprotected DpapiProtection::unprotect(QByteArrayView sealed)
 {
     DATA_BLOB input = inputBlob(sealed);
     DATA_BLOB output = {};
-    if (!fits(sealed) || !CryptUnprotectData(&input, nullptr, nullptr, nullptr, nullptr,
-                                             CRYPTPROTECT_UI_FORBIDDEN, &output)) {
+    if (!fits(sealed) ||
+        !CryptUnprotectData(&input, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN, &output)) {
         return {Unprotected::Outcome::CanNever, {}};
     }
     const LocalMemory owner(output.pbData);

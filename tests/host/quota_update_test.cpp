@@ -1,5 +1,5 @@
 #include "tests/host/support/served_session.h"
-#include "tests/host/support/waiting.h"
+#include "tests/support/processes/waiting.h"
 
 #include <QTest>
 

@@ -49,8 +49,8 @@ bool GnomeKeyring::startDaemon(const QStringList &options)
     }
     password.close();
     const QStringList arguments = QStringList{u"--foreground"_s, u"--components=secrets"_s} + options;
-    return startChild(process_, u"gnome-keyring-daemon"_s, arguments, environment(),
-                      home_.filePath(u"log"_s), password.fileName());
+    return startChild(process_, u"gnome-keyring-daemon"_s, arguments, environment(), home_.filePath(u"log"_s),
+                      password.fileName());
 }
 
 bool GnomeKeyring::start()

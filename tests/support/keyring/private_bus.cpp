@@ -16,7 +16,8 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-constexpr auto Configuration = R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+constexpr auto Configuration =
+    R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
   <type>session</type>
@@ -68,8 +69,8 @@ bool PrivateBus::start()
     QFile::remove(directory_.filePath(u"bus"_s));
     const QStringList arguments{u"--nofork"_s, u"--nopidfile"_s, u"--print-address=1"_s,
                                 u"--config-file="_s + directory_.filePath(u"bus.conf"_s)};
-    if (!writeConfiguration() || !startChild(process_, u"dbus-daemon"_s, arguments,
-                                             QProcessEnvironment::systemEnvironment(), {})) {
+    if (!writeConfiguration() ||
+        !startChild(process_, u"dbus-daemon"_s, arguments, QProcessEnvironment::systemEnvironment(), {})) {
         return false;
     }
     return waitUntil([this] { return process_.canReadLine() || process_.state() == QProcess::NotRunning; }) &&

@@ -16,7 +16,7 @@ class StubKeyring
 public:
     /// How it deals with the calls that it gets.
     struct Behaviour {
-        QString silentAt{};        ///< method that gets no answer; "*" is every one
+        QString silentAt{}; ///< method that gets no answer; "*" is every one
         bool promptsToCreate = false;
         QString collection = QStringLiteral("/org/freedesktop/secrets/collection/login");
         bool isLocked = false;

@@ -116,10 +116,10 @@ void SessionCipherTest::everyFlippedBitIsNoticed_data()
     QTest::addColumn<qsizetype>("position");
     const QByteArray good = sealed("token.0123456789");
     for (qsizetype i = 0; i < good.size(); ++i) {
-        const char *part = i < HeaderSize                   ? "header"
-                           : i < HeaderSize + NonceSize     ? "nonce"
-                           : i < good.size() - TagSize      ? "content"
-                                                            : "tag";
+        const char *part = i < HeaderSize               ? "header"
+                           : i < HeaderSize + NonceSize ? "nonce"
+                           : i < good.size() - TagSize  ? "content"
+                                                        : "tag";
         QTest::addRow("%s, byte %d", part, int(i)) << good << i;
     }
 }

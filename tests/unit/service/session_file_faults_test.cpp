@@ -146,8 +146,9 @@ void SessionFileFaultsTest::killedWhileSaving()
     while (!isDone && kills < 500) {
         QVERIFY(kept.store().save(oldToken()));
         const QString fault = QStringLiteral("inject=%1:signal=KILL:when=%2").arg(calls).arg(kills + 1);
-        const int code = trace({QStringLiteral("-o"), QStringLiteral("/dev/null"), QStringLiteral("-e"), fault},
-                               {kept.path, newToken()});
+        const int code =
+            trace({QStringLiteral("-o"), QStringLiteral("/dev/null"), QStringLiteral("-e"), fault},
+                  {kept.path, newToken()});
         isDone = code == 0;
         QVERIFY2(isDone || code == -1, QByteArray::number(code));
         kills += isDone ? 0 : 1;

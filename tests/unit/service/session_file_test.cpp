@@ -51,7 +51,8 @@ struct Kept {
     /// Names in the folder, whatever they are.
     QStringList names() const
     {
-        return QDir(folder.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::Hidden | QDir::System);
+        return QDir(folder.path())
+            .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::Hidden | QDir::System);
     }
 
     bool exists() const { return !names().isEmpty(); }
@@ -214,8 +215,7 @@ void SessionFileTest::fileOfOneMebibyteAndOneByteIsDeletedUnread()
 
 void SessionFileTest::fileThatCanBeOpenedAndIsOneMebibyte()
 {
-    const qsizetype frame =
-        session_cipher::HeaderSize + session_cipher::NonceSize + session_cipher::TagSize;
+    const qsizetype frame = session_cipher::HeaderSize + session_cipher::NonceSize + session_cipher::TagSize;
     for (const qsizetype surplus : {0, 1}) {
         Kept kept;
         const QString text(0x100000 - frame + surplus, u'x');
