@@ -11,6 +11,7 @@ namespace
 {
 
 constexpr char Item[] = "/org/freedesktop/secrets/collection/login/1";
+constexpr char LockedItem[] = "/org/freedesktop/secrets/collection/other/1";
 constexpr char Session[] = "/org/freedesktop/secrets/session/s1";
 constexpr char Prompt[] = "/org/freedesktop/secrets/prompt/p1";
 
@@ -97,7 +98,12 @@ GVariant *StubKeyring::replyTo(const QString &method) const
         if (hasItem) {
             g_variant_builder_add(&open, "o", Item);
         }
-        return g_variant_new("(aoao)", &open, nullptr);
+        GVariantBuilder locked;
+        g_variant_builder_init(&locked, G_VARIANT_TYPE("ao"));
+        if (behaviour_.hasLockedItem) {
+            g_variant_builder_add(&locked, "o", LockedItem);
+        }
+        return g_variant_new("(aoao)", &open, &locked);
     }
     if (method == "ReadAlias"_L1) {
         return g_variant_new("(o)", behaviour_.collection.toUtf8().constData());

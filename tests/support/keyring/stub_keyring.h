@@ -20,6 +20,7 @@ public:
         bool promptsToCreate = false;
         QString collection = QStringLiteral("/org/freedesktop/secrets/collection/login");
         bool isLocked = false;
+        bool hasLockedItem = false; ///< in another collection
     };
 
     StubKeyring(const QString &busAddress, const Behaviour &behaviour);

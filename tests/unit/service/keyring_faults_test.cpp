@@ -66,6 +66,8 @@ private Q_SLOTS:
     void wantsToPrompt();
     void withoutADefaultCollection();
     void lockedCollectionIsNotWrittenTo();
+    void lockedItemElsewhere();
+    void openAndEmptyKeyring();
     void foreignBytesNeedNoKeyring();
     void nothingElseRunsWhileWaiting();
 
@@ -191,6 +193,22 @@ void KeyringFaultsTest::lockedCollectionIsNotWrittenTo()
     checkThatNothingWorks(sealed_);
     QVERIFY(!stub.calls().contains(QStringLiteral("CreateItem")));
     QVERIFY(!stub.calls().contains(QStringLiteral("Unlock")));
+}
+
+void KeyringFaultsTest::lockedItemElsewhere()
+{
+    const StubKeyring stub(bus_.address(), {.hasLockedItem = true});
+    QVERIFY(stub.isReady());
+    QCOMPARE(makeTokenProtection()->unprotect(sealed_).outcome, Outcome::CannotNow);
+    QVERIFY(!stub.calls().contains(QStringLiteral("Unlock")));
+}
+
+void KeyringFaultsTest::openAndEmptyKeyring()
+{
+    const StubKeyring stub(bus_.address(), {});
+    QVERIFY(stub.isReady());
+    QCOMPARE(makeTokenProtection()->unprotect(sealed_).outcome, Outcome::CanNever);
+    QVERIFY(!makeTokenProtection()->protect(token()).isEmpty());
 }
 
 void KeyringFaultsTest::foreignBytesNeedNoKeyring()

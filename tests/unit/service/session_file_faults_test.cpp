@@ -164,8 +164,6 @@ void SessionFileFaultsTest::failingSystemCall_data()
 {
     QTest::addColumn<QString>("fault");
     QTest::newRow("mode") << QStringLiteral("fchmod,chmod,fchmodat:error=EPERM");
-    QTest::newRow("write") << QStringLiteral("write,pwrite64,writev:error=ENOSPC");
-    QTest::newRow("short write") << QStringLiteral("write,pwrite64,writev:retval=7");
     QTest::newRow("rename") << QStringLiteral("rename,renameat,renameat2:error=EACCES");
 }
 

@@ -1,5 +1,4 @@
 #include "fixed_key_protection.h"
-#include "process_memory.h"
 #include "service/session_cipher.h"
 #include "service/session_file.h"
 
@@ -13,7 +12,6 @@
 #include <sys/stat.h>
 
 using namespace quillmar;
-using quillmar::test::copiesInMemory;
 using quillmar::test::FixedKeyProtection;
 
 namespace
@@ -114,7 +112,6 @@ private Q_SLOTS:
     void removing();
     void removingWhatCannotBeRemoved();
     void neverHoldsAPartOfTheTokenInClear();
-    void leavesNoCopyInMemory();
 };
 
 void SessionFileTest::keepsAToken_data()
@@ -462,22 +459,6 @@ void SessionFileTest::neverHoldsAPartOfTheTokenInClear()
             QVERIFY(!content.contains(coded.sliced(i, 6)));
         }
     }
-}
-
-void SessionFileTest::leavesNoCopyInMemory()
-{
-    Kept kept;
-    const QString text = randomToken();
-    {
-        const QByteArray copy = text.toLatin1();
-        QVERIFY(copiesInMemory(text) > 0);
-        quillmar::overwriteMemory(const_cast<char *>(copy.constData()), std::size_t(copy.size()));
-    }
-    QCOMPARE(copiesInMemory(text), 0);
-    QVERIFY(kept.store.save(text));
-    QCOMPARE(copiesInMemory(text), 0);
-    QCOMPARE(kept.store.load(), text);
-    QCOMPARE(copiesInMemory(text), 0);
 }
 
 QTEST_GUILESS_MAIN(SessionFileTest)
