@@ -1,5 +1,6 @@
 #pragma once
 
+#include "catalogue/product_previews.h"
 #include "packages/product_downloads.h"
 #include "ui/localisation.h"
 
@@ -15,7 +16,7 @@ namespace quillmar
 {
 
 /// What the catalogue's widgets need of the rest of the module. `localisation` outlives the widgets;
-/// `downloads` may die before them.
+/// `downloads` and `previews` may die before them.
 struct CatalogueServices {
     /// Saves the file of the product `productKey` as it is, showing every state on the button and the label,
     /// and calls `quotaChanged` when quota was used.
@@ -27,6 +28,7 @@ struct CatalogueServices {
 
     const Localisation &localisation;
     QPointer<ProductDownloads> downloads;
+    QPointer<ProductPreviews> previews = {};
     DirectDownload startDirectDownload = {}; ///< empty: the download buttons are disabled
     OpenDetails openDetails = {};            ///< empty: the details buttons are hidden
 };

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "packages/component_product.h"
+
+#include <QImage>
+#include <QObject>
+
+#include <functional>
+#include <memory>
+
+namespace quillmar
+{
+
+/// Fetches preview images over HTTPS, decodes them on a pool of at most two threads and keeps the decoded
+/// ones in memory, at most about 32 MiB. Nothing is written to disk.
+///
+/// Only `https` addresses without user-info and fragment are fetched, redirects are not followed, no cookies
+/// or credentials are sent, a body has at most 8 MiB, and only PNG, JPEG and WebP are decoded, whatever the
+/// server calls them. At most two pictures are on their way at a time and at most 128 wait.
+///
+/// Lives on the user-interface thread, with a network manager of its own.
+class ProductPreviews : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Null: there is no picture. Otherwise at most 1600 x 1200 pixels, turned as its EXIF data say.
+    using Completion = std::function<void(const QImage &image)>;
+
+    explicit ProductPreviews(QObject *parent = nullptr);
+
+    /// Waits for the decoding pool, without a time limit. Completions are not called any more.
+    ~ProductPreviews() override;
+
+    /// Gets the picture of `entry`, from memory or from its address, and after a failure once from its
+    /// fallback address. `completion` is called once on this thread: before this call returns when the
+    /// picture is in memory or too many requests wait, else later. It is never called once `receiver` is
+    /// gone, nor when it is null, and it may destroy the receiver or this object, or request again. A failure
+    /// is not remembered.
+    void request(const PreviewEntry &entry, QObject *receiver, Completion completion);
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d_;
+};
+
+} // namespace quillmar
