@@ -4,10 +4,13 @@
 #include "ui/plain_tool_tip.h"
 #include "ui/wrapping_label.h"
 
+#include <QEvent>
 #include <QJsonObject>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -22,7 +25,9 @@ constexpr QLatin1StringView CardStyle{
     "QFrame#quillmarProductCard QLabel { background: transparent; border: none; }"};
 constexpr QLatin1StringView NameStyle{"font-size: 14px; font-weight: 700; color: #55ff22;"};
 
-constexpr int PreviewHeight = 140;
+/// Largest place of the preview on the card, and what is kept for it: enough for twice as many pixels.
+constexpr QSize ShownPreview{260, 140};
+constexpr QSize KeptPreview{520, 280};
 
 /// Longest description shown whole, and what is left of a longer one before the ellipsis; UTF-16 units.
 constexpr qsizetype WholeDescription = 240;
@@ -57,13 +62,14 @@ ProductCard::ProductCard(const QJsonObject &product, const CatalogueServices &se
     retranslate();
     // Only now: a layout in place asks to be done again for every widget and every text.
     setLayout(layout_);
+    requestPreview(services.previews);
 }
 
 void ProductCard::buildLabels()
 {
     previewLabel_ = new WrappingLabel(this);
     previewLabel_->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
-    previewLabel_->setFixedHeight(PreviewHeight);
+    previewLabel_->setFixedHeight(ShownPreview.height());
     previewLabel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     nameLabel_ = new WrappingLabel(this);
     nameLabel_->setText(product_.product_name);
@@ -130,6 +136,52 @@ void ProductCard::addComponentActions(const CatalogueServices &services)
     layout_->addWidget(componentActions_);
 }
 
+void ProductCard::requestPreview(ProductPreviews *previews)
+{
+    if (previews && !product_.previews.isEmpty())
+        previews->request(product_.previews.first(), this,
+                          [this](const QImage &image) { showPreview(image); });
+}
+
+void ProductCard::showPreview(const QImage &image)
+{
+    if (image.isNull())
+        return;
+    preview_ = QPixmap::fromImage(image.scaled(KeptPreview, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    previewLabel_->setAccessibleName(product_.product_name);
+    updatePreviewPixmap();
+}
+
+/// Fills the place with as many pixels as the screen has there.
+void ProductCard::updatePreviewPixmap()
+{
+    if (preview_.isNull())
+        return;
+    const qreal ratio = previewLabel_->devicePixelRatio();
+    const QSize place(std::clamp(previewLabel_->width(), 1, ShownPreview.width()), ShownPreview.height());
+    const QSize size = preview_.size().scaled(place * ratio, Qt::KeepAspectRatio).expandedTo({1, 1});
+    const QPixmap shown = previewLabel_->pixmap();
+    if (shown.size() == size && shown.devicePixelRatio() == ratio)
+        return;
+    QPixmap scaled = preview_.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    scaled.setDevicePixelRatio(ratio);
+    previewLabel_->setPixmap(scaled);
+}
+
+bool ProductCard::event(QEvent *event)
+{
+    const bool isHandled = QFrame::event(event);
+    if (event->type() == QEvent::DevicePixelRatioChange)
+        updatePreviewPixmap();
+    return isHandled;
+}
+
+void ProductCard::resizeEvent(QResizeEvent *event)
+{
+    QFrame::resizeEvent(event);
+    updatePreviewPixmap();
+}
+
 bool ProductCard::containsText(const QString &query) const
 {
     return product_.product_name.contains(query, Qt::CaseInsensitive) ||
@@ -158,7 +210,8 @@ void ProductCard::retranslate()
     detailsButton_->setText(localisation_.translate("Gallery.Details"));
     if (componentActions_)
         componentActions_->retranslate(direction);
-    previewLabel_->setText(localisation_.translate("Product.PreviewUnavailable"));
+    if (preview_.isNull())
+        previewLabel_->setText(localisation_.translate("Product.PreviewUnavailable"));
     localisation_.renderTranslatedText(statusLabel_);
 }
 

@@ -4,6 +4,7 @@
 #include "packages/component_product.h"
 
 #include <QFrame>
+#include <QPixmap>
 
 #include <functional>
 
@@ -46,6 +47,10 @@ public:
     /// Applies texts and direction of the current language.
     void retranslate();
 
+protected:
+    bool event(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void buildLabels();
     void describe();
@@ -54,6 +59,9 @@ private:
     void addDirectDownload(const CatalogueServices &services, const std::function<void()> &quotaChanged);
     void addComponentActions(const CatalogueServices &services);
     QString descriptionText() const;
+    void requestPreview(ProductPreviews *previews);
+    void showPreview(const QImage &image);
+    void updatePreviewPixmap();
 
     const Localisation &localisation_;
     ComponentProduct product_;
@@ -66,6 +74,7 @@ private:
     QPushButton *detailsButton_ = nullptr;
     ComponentActions *componentActions_ = nullptr; ///< only for a product with components
     QVBoxLayout *layout_ = nullptr;
+    QPixmap preview_; ///< null until a picture has come
 };
 
 } // namespace quillmar

@@ -2,11 +2,17 @@
 
 #include "packages/component_product.h"
 
+#include <QCache>
+#include <QHash>
 #include <QImage>
 #include <QObject>
+#include <QPointer>
+#include <QQueue>
+#include <QThreadPool>
 
 #include <functional>
-#include <memory>
+
+class QNetworkAccessManager;
 
 namespace quillmar
 {
@@ -40,8 +46,24 @@ public:
     void request(const PreviewEntry &entry, QObject *receiver, Completion completion);
 
 private:
-    struct Private;
-    std::unique_ptr<Private> d_;
+    struct Job {
+        PreviewEntry entry;
+        QPointer<QObject> receiver;
+        Completion completion;
+        bool usesFallback = false;
+    };
+
+    void pump();
+    void fetch(quint64 id);
+    void decode(quint64 id, const QByteArray &body);
+    void complete(quint64 id, const QImage &image);
+
+    QNetworkAccessManager *network_; ///< a child
+    QCache<QString, QImage> images_;
+    QQueue<Job> waiting_;
+    QHash<quint64, Job> active_; ///< being fetched or decoded
+    quint64 lastId_ = 0;
+    QThreadPool decoders_;
 };
 
 } // namespace quillmar

@@ -1,6 +1,7 @@
 #include "plugin/plugin_module.h"
 
 #include "catalogue/product_list.h"
+#include "catalogue/product_previews.h"
 #include "obs/obs_handles.h"
 #include "packages/product_downloads.h"
 #include "plugin/locale_table.h"
@@ -13,6 +14,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QImageReader>
 #include <QNetworkAccessManager>
 #include <QSslSocket>
 
@@ -59,6 +61,7 @@ bool PluginModule::load()
     applySavedLanguage();
     buildPanel();
     buildQuota();
+    buildPreviews();
     buildDownloads();
     buildCatalogue();
     buildUpdateChecker();
@@ -76,6 +79,7 @@ bool PluginModule::load()
 void PluginModule::unload()
 {
     delete downloads_;
+    delete previews_;
     delete updateChecker_;
     // At a normal exit OBS has destroyed the panel already, and with it the dock.
     if (panel_) {
@@ -128,6 +132,14 @@ void PluginModule::buildQuota()
                               .updateText = call(&QuotaStatus::updateText)});
 }
 
+void PluginModule::buildPreviews()
+{
+    if (!QImageReader::supportedImageFormats().contains("webp")) {
+        pluginLog(LogLevel::Warning, "Qt has no WebP plug-in here: previews in that format are not shown");
+    }
+    previews_ = new ProductPreviews(panel_);
+}
+
 void PluginModule::buildDownloads()
 {
     downloads_ = new ProductDownloads(network_, QString());
@@ -143,7 +155,7 @@ void PluginModule::buildDownloads()
 void PluginModule::buildCatalogue()
 {
     panel_->setProductList(
-        new ProductList(CatalogueServices{localisation_, downloads_}, [this] { refreshQuota(); }));
+        new ProductList(CatalogueServices{localisation_, downloads_, previews_}, [this] { refreshQuota(); }));
 }
 
 void PluginModule::buildUpdateChecker()

@@ -20,6 +20,7 @@ class Account;
 class DockPanel;
 class LocaleTable;
 class ProductDownloads;
+class ProductPreviews;
 class QuotaStatus;
 class UpdateChecker;
 
@@ -52,6 +53,7 @@ private:
     void addLibraryPath() const;
     void buildPanel();
     void buildQuota();
+    void buildPreviews();
     void buildDownloads();
     void buildCatalogue();
     void buildUpdateChecker();
@@ -72,6 +74,7 @@ private:
     QPointer<QNetworkAccessManager> network_;
     QPointer<Account> account_;
     QPointer<QuotaStatus> quota_;
+    QPointer<ProductPreviews> previews_;
     QPointer<ProductDownloads> downloads_;
     QPointer<UpdateChecker> updateChecker_;
     bool isDockAdded_ = false;
