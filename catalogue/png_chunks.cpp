@@ -14,7 +14,7 @@ namespace
 
 constexpr QByteArrayView Signature{"\x89PNG\r\n\x1a\n"};
 constexpr qsizetype FrameSize = 12; ///< length, type and checksum of a chunk
-constexpr std::array<QByteArrayView, 5> PixelChunks{"IHDR", "PLTE", "tRNS", "IDAT", "IEND"};
+constexpr std::array<QByteArrayView, 6> PixelChunks{"IHDR", "PLTE", "tRNS", "eXIf", "IDAT", "IEND"};
 
 } // namespace
 
