@@ -5,10 +5,8 @@
 
 #include <QApplication>
 #include <QFile>
-#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QWindow>
 
 #include <memory>
 
@@ -20,12 +18,13 @@ namespace quillmar::test
 namespace
 {
 
-/// Two screens side by side; the second has twice as many pixels.
+/// Two screens side by side, of which ScaleFactors gives the second twice as many pixels per length.
 constexpr char Screens[] = R"({"synchronousWindowSystemEvents": true, "screens": [
-    {"name": "plain", "x": 0, "y": 0, "width": 1200, "height": 900,
-     "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1},
-    {"name": "dense", "x": 1200, "y": 0, "width": 1200, "height": 900,
-     "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 2}]})";
+    {"name": "plain", "x": 0, "y": 0, "width": 1200, "height": 900},
+    {"name": "dense", "x": 1200, "y": 0, "width": 1200, "height": 900}]})";
+constexpr char ScaleFactors[] = "plain=1;dense=2";
+constexpr QPoint OnPlain{100, 100};
+constexpr QPoint OnDense{1400, 100};
 
 } // namespace
 
@@ -121,7 +120,7 @@ void ProductCardPreviewTest::pictureSize()
 
 void ProductCardPreviewTest::narrowCardShowsItAtTheWidthOfItsLabel()
 {
-    const auto card = this->card({u"/a"_s}, 224);
+    const auto card = this->card({u"/a"_s}, 226);
     QCOMPARE(CardView(card.get()).preview()->width(), 200);
     QCOMPARE(waitForPicture(*card).size(), QSize(200, 50));
 }
@@ -131,7 +130,7 @@ void ProductCardPreviewTest::pictureFollowsTheWidth()
     const auto card = this->card({u"/a"_s});
     QCOMPARE(waitForPicture(*card).size(), QSize(260, 65));
     const QLabel *label = CardView(card.get()).preview();
-    card->resize(124, 600);
+    card->resize(126, 600);
     QCOMPARE(label->pixmap().size(), QSize(100, 25));
     card->resize(800, 600);
     QCOMPARE(label->pixmap().size(), QSize(260, 65));
@@ -199,7 +198,7 @@ void ProductCardPreviewTest::pictureHasAName()
 void ProductCardPreviewTest::keptPictureIsShownAtOnce()
 {
     QVERIFY(!waitForPicture(*card({u"/a"_s})).isNull());
-    const auto again = card({u"/a"_s}, 224);
+    const auto again = card({u"/a"_s}, 226);
     QCOMPARE(CardView(again.get()).preview()->pixmap().size(), QSize(200, 50));
     QCOMPARE(service_->requests().size(), 1);
 }
@@ -230,13 +229,13 @@ void ProductCardPreviewTest::loaderGoneBeforeTheCard()
 void ProductCardPreviewTest::densePixelsAreFilled()
 {
     const auto card = this->card({u"/a"_s});
-    card->move(1400, 100);
+    card->move(OnDense);
     QTRY_COMPARE(card->devicePixelRatio(), 2.0);
     QTRY_COMPARE(waitForPicture(*card).devicePixelRatio(), 2.0);
     const QPixmap shown = waitForPicture(*card);
     QCOMPARE(shown.size(), QSize(520, 130));
     QCOMPARE(shown.deviceIndependentSize(), QSizeF(260, 65));
-    card->resize(224, 600);
+    card->resize(226, 600);
     QCOMPARE(waitForPicture(*card).size(), QSize(400, 100));
 }
 
@@ -244,9 +243,9 @@ void ProductCardPreviewTest::changeOfTheScreen()
 {
     const auto card = this->card({u"/a"_s});
     QCOMPARE(waitForPicture(*card).size(), QSize(260, 65));
-    card->move(1400, 100);
+    card->move(OnDense);
     QTRY_COMPARE(waitForPicture(*card).size(), QSize(520, 130));
-    card->move(100, 100);
+    card->move(OnPlain);
     QTRY_COMPARE(waitForPicture(*card).size(), QSize(260, 65));
     QCOMPARE(waitForPicture(*card).devicePixelRatio(), 1.0);
 }
@@ -262,6 +261,7 @@ int main(int argc, char *argv[])
     screens.close();
     const QByteArray platform = "offscreen:configfile=" + screens.fileName().toUtf8();
     qputenv("QT_QPA_PLATFORM", platform);
+    qputenv("QT_SCREEN_SCALE_FACTORS", quillmar::test::ScaleFactors);
     QApplication application(argc, argv);
     quillmar::test::ProductCardPreviewTest test;
     return QTest::qExec(&test, argc, argv);
