@@ -18,10 +18,10 @@ namespace quillmar
 /// What the catalogue's widgets need of the rest of the module. `localisation` outlives the widgets;
 /// `downloads` and `previews` may die before them.
 struct CatalogueServices {
-    /// Saves the file of the product `productKey` as it is, showing every state on the button and the label,
-    /// and calls `quotaChanged` when quota was used.
+    /// Saves the file of the product `productKey`, of `fileSize` bytes when that is above 0, as it is,
+    /// showing every state on the button and the label, and calls `quotaChanged` when quota was used.
     using DirectDownload = std::function<void(QPushButton *button, QLabel *status, const QString &productKey,
-                                              std::function<void()> quotaChanged)>;
+                                              std::function<void()> quotaChanged, qint64 fileSize)>;
 
     /// Shows the details of `product`; `card` is the widget that asks.
     using OpenDetails = std::function<void(const ComponentProduct &product, QWidget *card)>;

@@ -123,7 +123,7 @@ void ProductCard::addDirectDownload(const CatalogueServices &services,
     }
     connect(downloadButton_, &QPushButton::clicked, this,
             [this, start = services.startDirectDownload, quotaChanged] {
-                start(downloadButton_, statusLabel_, product_.product_key, quotaChanged);
+                start(downloadButton_, statusLabel_, product_.product_key, quotaChanged, product_.file_size);
             });
 }
 

@@ -1,6 +1,5 @@
 #include "packages/package_body.h"
 
-#include "packages/incoming_package.h"
 #include "service/service_reply.h"
 
 #include <utility>
@@ -20,13 +19,13 @@ constexpr int kHttpOk = 200;
 
 } // namespace
 
-PackageBody::PackageBody(QNetworkReply *reply, FileWorkers &workers, const QString &root,
-                         const ComponentProduct &product, QObject *parent)
+PackageBody::PackageBody(QNetworkReply *reply, FileWorkers &workers, std::shared_ptr<BodySink> sink,
+                         qint64 fileSize, QObject *parent)
     : QObject(parent),
       workers_(workers),
       reply_(reply),
-      package_(std::make_shared<IncomingPackage>(root, product)),
-      limit_(product.file_size > 0 ? product.file_size : kMaxPackageBytes)
+      sink_(std::move(sink)),
+      limit_(fileSize > 0 ? fileSize : kMaxPackageBytes)
 {
     // Not before: a size that is set while the body of the POST is still under way to Qt's network thread is
     // lost.
@@ -48,13 +47,13 @@ void PackageBody::abandon()
 {
     isOver_ = true;
     letGoOfReply();
-    if (package_)
-        workers_.release(std::exchange(package_, nullptr));
+    if (sink_)
+        workers_.release(std::exchange(sink_, nullptr));
 }
 
 void PackageBody::store(QObject *receiver, FileWorkers::Answer answer)
 {
-    auto task = [package = std::exchange(package_, nullptr)] { return package->store(); };
+    auto task = [sink = std::exchange(sink_, nullptr)] { return sink->store(); };
     workers_.run(receiver, std::move(task), std::move(answer));
 }
 
@@ -113,8 +112,8 @@ void PackageBody::handToWorkers(const QByteArray &piece)
         return;
     }
     isPieceOnItsWay_ = true;
-    auto append = [package = package_, piece] {
-        package->append(piece);
+    auto append = [sink = sink_, piece] {
+        sink->append(piece);
         return ProductFileResult();
     };
     auto next = [this](const ProductFileResult &result) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "packages/component_product.h"
+#include "packages/body_sink.h"
 #include "packages/file_workers.h"
 
 #include <QByteArray>
@@ -14,9 +14,7 @@
 namespace quillmar
 {
 
-class IncomingPackage;
-
-/// Moves the body of one file reply into the cache while it arrives.
+/// Moves the body of one file reply into its sink while it arrives.
 ///
 /// One piece at a time is on its way to the workers, and the reply holds a few MiB at most, so memory stays
 /// bounded however slow the disk is. A body whose status is not 200 is not kept; it is read for its reason
@@ -36,14 +34,13 @@ public:
         QJsonObject reason; ///< the body of another status, when it is a JSON object
     };
 
-    /// Reads `reply` as the package of `product`, which is put into the cache at `root`. `workers` outlives
-    /// this object.
-    PackageBody(QNetworkReply *reply, FileWorkers &workers, const QString &root,
-                const ComponentProduct &product, QObject *parent);
+    /// Reads `reply` into `sink`. A body that grows beyond `fileSize` bytes, or beyond 2 GiB when that is 0
+    /// or less, is too long. `workers` outlives this object.
+    PackageBody(QNetworkReply *reply, FileWorkers &workers, std::shared_ptr<BodySink> sink, qint64 fileSize,
+                QObject *parent);
     ~PackageBody() override;
 
-    /// Checks and stores the complete body, then answers as IncomingPackage::store() does. After ended(),
-    /// once.
+    /// Checks and stores the complete body, then answers as the sink's store() does. After ended(), once.
     void store(QObject *receiver, FileWorkers::Answer answer);
 
     /// Drops the reply and the bytes; nothing is emitted from now on.
@@ -67,7 +64,7 @@ private:
 
     FileWorkers &workers_;
     QPointer<QNetworkReply> reply_;
-    std::shared_ptr<IncomingPackage> package_;
+    std::shared_ptr<BodySink> sink_;
     qint64 limit_;
     Ending ending_;
     QByteArray rest_; ///< what the reply still held when it finished

@@ -1,12 +1,12 @@
 #include "packages/package_fetch.h"
 
+#include "packages/incoming_package.h"
+#include "service/download_ticket.h"
 #include "service/routes.h"
 #include "service/service_reply.h"
 
-#include <QJsonDocument>
 #include <QJsonObject>
 
-#include <algorithm>
 #include <utility>
 
 namespace quillmar
@@ -17,25 +17,9 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-constexpr qint64 kMaxTicketReplyBytes = 1024 * 1024;
 constexpr int kHttpOk = 200;
 constexpr int kHttpUnauthorized = 401;
 constexpr int kHttpForbidden = 403;
-constexpr int kHttpTooManyRequests = 429;
-
-QByteArray ticketRequestBody(const ComponentProduct &product)
-{
-    const QJsonObject object{{u"product_key"_s, product.product_key}};
-    return QJsonDocument(object).toJson(QJsonDocument::Indented);
-}
-
-/// Empty, or with characters that no header may carry; such a ticket would leave the request without its
-/// header.
-bool isUnusableTicket(const QString &ticket)
-{
-    const auto isControl = [](QChar c) { return c < u' ' || c == u'\x7f'; };
-    return ticket.isEmpty() || std::ranges::any_of(ticket, isControl);
-}
 
 } // namespace
 
@@ -59,8 +43,9 @@ void PackageFetch::start()
         fail();
         return;
     }
-    ticketReply_ = means_.network->post(routes::downloadTicket(means_.token()), ticketRequestBody(product_));
-    limitBody(ticketReply_, kMaxTicketReplyBytes);
+    ticketReply_ =
+        means_.network->post(routes::downloadTicket(means_.token()), ticketRequestBody(product_.product_key));
+    limitBody(ticketReply_, MaximumTicketReplySize);
     connect(ticketReply_, &QNetworkReply::finished, ticketReply_, &QObject::deleteLater);
     connect(ticketReply_, &QNetworkReply::finished, this, &PackageFetch::onTicketFinished);
     // Queued: the manager that takes its replies with it may itself be in the middle of its destructor.
@@ -79,7 +64,7 @@ void PackageFetch::onTicketFinished()
     if (endIfRefused(reply.status, reply.object))
         return;
     const QString ticket = reply.text("ticket"_L1);
-    if (reply.hasError() || reply.status != kHttpOk || isUnusableTicket(ticket))
+    if (reply.hasError() || reply.status != kHttpOk || !isUsableTicket(ticket))
         fail();
     else
         requestFile(ticket);
@@ -98,7 +83,8 @@ void PackageFetch::requestFile(const QString &ticket)
         return;
     }
     QNetworkReply *reply = means_.network->post(routes::downloadFile(ticket), QByteArray());
-    body_ = new PackageBody(reply, means_.workers, means_.root, product_, this);
+    auto package = std::make_shared<IncomingPackage>(means_.root, product_);
+    body_ = new PackageBody(reply, means_.workers, std::move(package), product_.file_size, this);
     connect(body_, &PackageBody::arriving, this, &PackageFetch::onFileArriving);
     connect(body_, &PackageBody::ended, this, &PackageFetch::onFileEnded);
 }
@@ -149,8 +135,7 @@ bool PackageFetch::endIfRefused(int status, const QJsonObject &reason)
         end(Ending::SessionRefused, ProductFileResult::failure(u"Status.LoginRequired"_s));
         return true;
     }
-    const bool isQuota =
-        status == kHttpTooManyRequests && reason.value("code"_L1).toString() == "download_quota_reached"_L1;
+    const bool isQuota = saysQuotaReached(status, reason);
     if (isQuota)
         end(Ending::QuotaReached, ProductFileResult::failure(u"Download.QuotaReached"_s));
     return isQuota;

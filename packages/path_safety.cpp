@@ -1,5 +1,7 @@
 #include "packages/path_safety.h"
 
+#include "packages/product_identity.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -37,6 +39,12 @@ bool isDeviceName(QStringView name)
     return pattern.matchView(name).hasMatch();
 }
 
+/// Ends in '.' or a blank, which Windows drops, or means something else than a file or folder of that name.
+bool isMisreadName(QStringView name)
+{
+    return name.isEmpty() || name.endsWith(u'.') || name.endsWith(u' ') || isDeviceName(name);
+}
+
 bool isRefusedCharacter(QChar c)
 {
     return c < u' ' || QStringView(u":<>\"|?*").contains(c);
@@ -44,11 +52,7 @@ bool isRefusedCharacter(QChar c)
 
 bool isSafeSegment(QStringView segment)
 {
-    if (segment.isEmpty() || segment == "."_L1 || segment == ".."_L1)
-        return false;
-    if (segment.endsWith(u'.') || segment.endsWith(u' ') || isDeviceName(segment))
-        return false;
-    return std::ranges::none_of(segment, isRefusedCharacter);
+    return !isMisreadName(segment) && std::ranges::none_of(segment, isRefusedCharacter);
 }
 
 #ifdef Q_OS_WIN
@@ -105,6 +109,15 @@ QString safeRelativePath(const QString &path)
         return {};
     const QList<QStringView> segments = QStringView(clean).split(u'/', Qt::KeepEmptyParts);
     return std::ranges::all_of(segments, isSafeSegment) ? clean : QString();
+}
+
+bool isSafeFileName(const QString &name)
+{
+    const auto isRefused = [](QChar c) {
+        return c.category() == QChar::Other_Control || c == u'/' || c == u'\\' || c == u':';
+    };
+    return !isMisreadName(name) && name.compare(CacheFolderName, Qt::CaseInsensitive) != 0 &&
+           std::ranges::none_of(name, isRefused);
 }
 
 QString pathBelowRoot(const QString &root, const QString &candidate)

@@ -19,6 +19,12 @@ QString safeRelativePath(const QString &path);
 /// text alone, the folders of the root in any case of letters.
 QString pathBelowRoot(const QString &root, const QString &candidate);
 
+/// `name` may name a file directly inside the module's download folder, and names the same file on every
+/// platform: not empty, "." or "..", no separator of any platform, no ':', no control character, no '.' or
+/// blank at its end, no Windows device name, and not the folder of the package cache. Other characters are
+/// left to the system, which may refuse them.
+bool isSafeFileName(const QString &name);
+
 /// `candidate`, made absolute and cleaned, is `root` or below it, and neither it nor any folder above it, up
 /// to the top of the volume, is a symbolic link or (Windows) a reparse point. Paths that do not exist yet
 /// pass.

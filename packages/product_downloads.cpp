@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-/// Qt opens six connections to one host; the sign-out and the quota must find a free one.
+/// The sign-out and the quota must find a free connection.
 constexpr int kMaxFetches = 4;
 
 QString absoluteRoot(const QString &root)

@@ -31,7 +31,7 @@ QString productIdentity(const ComponentProduct &product)
 
 QString cacheDirectory(const QString &root, const ComponentProduct &product)
 {
-    return root + "/.quillmar-cache/"_L1 + productIdentity(product);
+    return root + u'/' + CacheFolderName + u'/' + productIdentity(product);
 }
 
 QString cachedPackagePath(const QString &root, const ComponentProduct &product)

@@ -11,6 +11,9 @@ namespace quillmar
 /// file name, size and, when known, digest. Names the cache directory of the package.
 QString productIdentity(const ComponentProduct &product);
 
+/// The folder of the package cache in the package root.
+inline constexpr QLatin1StringView CacheFolderName{".quillmar-cache"};
+
 /// root + "/.quillmar-cache/" + identity: the cache directory of a package. `root` is absolute and cleaned.
 QString cacheDirectory(const QString &root, const ComponentProduct &product);
 

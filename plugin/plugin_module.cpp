@@ -1,5 +1,6 @@
 #include "plugin/plugin_module.h"
 
+#include "catalogue/direct_download.h"
 #include "catalogue/product_list.h"
 #include "catalogue/product_previews.h"
 #include "obs/obs_handles.h"
@@ -50,6 +51,7 @@ PluginModule::~PluginModule()
     // Without an application there is nothing left that a widget could be taken from.
     if (!isDockAdded_ && QCoreApplication::instance() != nullptr) {
         delete downloads_;
+        delete directDownloads_;
         delete panel_;
     }
 }
@@ -63,6 +65,7 @@ bool PluginModule::load()
     buildQuota();
     buildPreviews();
     buildDownloads();
+    buildDirectDownloads();
     buildCatalogue();
     buildUpdateChecker();
     connectPanel();
@@ -79,6 +82,7 @@ bool PluginModule::load()
 void PluginModule::unload()
 {
     delete downloads_;
+    delete directDownloads_;
     delete previews_;
     delete updateChecker_;
     // At a normal exit OBS has destroyed the panel already, and with it the dock.
@@ -152,10 +156,22 @@ void PluginModule::buildDownloads()
     quota_->setSessionExpired([this] { expireSession(); });
 }
 
+void PluginModule::buildDirectDownloads()
+{
+    directDownloads_ = new DirectDownloads({network_, localisation_, [this] { return session_.token(); },
+                                            [this] { return session_.generation(); }, log_});
+}
+
 void PluginModule::buildCatalogue()
 {
-    panel_->setProductList(
-        new ProductList(CatalogueServices{localisation_, downloads_, previews_}, [this] { refreshQuota(); }));
+    CatalogueServices services{localisation_, downloads_, previews_};
+    services.startDirectDownload =
+        [direct = directDownloads_](QPushButton *button, QLabel *status, const QString &productKey,
+                                    std::function<void()> quotaUsed, qint64 fileSize) {
+            if (direct)
+                direct->startDirectDownload(button, status, productKey, std::move(quotaUsed), fileSize);
+        };
+    panel_->setProductList(new ProductList(std::move(services), [this] { refreshQuota(); }));
 }
 
 void PluginModule::buildUpdateChecker()

@@ -17,6 +17,7 @@ namespace quillmar
 {
 
 class Account;
+class DirectDownloads;
 class DockPanel;
 class LocaleTable;
 class ProductDownloads;
@@ -55,6 +56,7 @@ private:
     void buildQuota();
     void buildPreviews();
     void buildDownloads();
+    void buildDirectDownloads();
     void buildCatalogue();
     void buildUpdateChecker();
     void connectPanel();
@@ -77,6 +79,7 @@ private:
     QPointer<ProductPreviews> previews_;
     QPointer<ProductDownloads> downloads_;
     QPointer<UpdateChecker> updateChecker_;
+    QPointer<DirectDownloads> directDownloads_;
     bool isDockAdded_ = false;
 };
 

@@ -1,5 +1,6 @@
 #include "service/routes.h"
 
+#include <QHttp1Configuration>
 #include <QUrl>
 
 #include <chrono>
@@ -16,6 +17,9 @@ constexpr std::chrono::milliseconds AccountTimeout = 30s;
 constexpr std::chrono::milliseconds FileTimeout = 120s;
 constexpr std::chrono::milliseconds VersionTimeout = 15s;
 
+/// Four packages and four direct downloads may be stuck at once, and the sign-out still finds a free one.
+constexpr qsizetype ConnectionsToService = 10;
+
 /// What requests have in common: nothing is followed, nothing is remembered for another request, and one
 /// protocol version, so that connections behave alike wherever the service runs.
 QNetworkRequest plainRequest(QLatin1StringView route)
@@ -30,6 +34,9 @@ QNetworkRequest plainRequest(QLatin1StringView route)
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    QHttp1Configuration connections;
+    connections.setNumberOfConnectionsPerHost(ConnectionsToService);
+    request.setHttp1Configuration(connections);
     return request;
 }
 

@@ -16,7 +16,7 @@ DOCK_SOURCES = re.compile(r"quillmar_library\(\s*quillmar_dock\s+SOURCES\s+([^)]
 ALLOWED = {
     "ui_base": set(),
     "service": {"ui_base"},
-    "packages": {"service/log_function.h", "service/routes.h", "service/service_reply.h"},
+    "packages": {"service/download_ticket.h", "service/log_function.h", "service/routes.h", "service/service_reply.h"},
     "obs": {"packages", "ui_base", "service/log_function.h"},
     "catalogue": {"obs", "packages", "ui_base", "service"},
     "dock": {"catalogue", "obs", "packages", "ui_base", "service"},

@@ -214,21 +214,26 @@ void ProductCardTest::downloadButtonStartsTheDownload()
     QPushButton *button = nullptr;
     QLabel *status = nullptr;
     QString key;
+    qint64 fileSize = -1;
     CatalogueServices services{texts_, nullptr};
     services.startDirectDownload = [&](QPushButton *b, QLabel *s, const QString &k,
-                                       const std::function<void()> &q) {
+                                       const std::function<void()> &q, qint64 size) {
+        fileSize = size;
         button = b;
         status = s;
         key = k;
         q();
     };
-    const ProductCard card(product(u"Frame"_s), services, [&] { ++quotaChanges; }, nullptr);
+    QJsonObject object = product(u"Frame"_s);
+    object.insert(u"file_size"_s, 4711);
+    const ProductCard card(object, services, [&] { ++quotaChanges; }, nullptr);
     const CardView view(&card);
     QVERIFY(view.download()->isEnabled());
     view.download()->click();
     QCOMPARE(button, view.download());
     QCOMPARE(status, view.status());
     QCOMPARE(key, u"key-Frame"_s);
+    QCOMPARE(fileSize, 4711);
     QCOMPARE(quotaChanges, 1);
 }
 
