@@ -10,7 +10,6 @@
 
 class QLabel;
 class QPushButton;
-class QWidget;
 
 namespace quillmar
 {
@@ -23,14 +22,10 @@ struct CatalogueServices {
     using DirectDownload = std::function<void(QPushButton *button, QLabel *status, const QString &productKey,
                                               std::function<void()> quotaChanged, qint64 fileSize)>;
 
-    /// Shows the details of `product`; `card` is the widget that asks.
-    using OpenDetails = std::function<void(const ComponentProduct &product, QWidget *card)>;
-
     const Localisation &localisation;
     QPointer<ProductDownloads> downloads;
     QPointer<ProductPreviews> previews = {};
     DirectDownload startDirectDownload = {}; ///< empty: the download buttons are disabled
-    OpenDetails openDetails = {};            ///< empty: the details buttons are hidden
 };
 
 } // namespace quillmar

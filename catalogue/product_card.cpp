@@ -1,5 +1,6 @@
 #include "catalogue/product_card.h"
 
+#include "catalogue/product_details.h"
 #include "obs/component_actions.h"
 #include "ui/plain_tool_tip.h"
 #include "ui/wrapping_label.h"
@@ -46,6 +47,8 @@ ProductCard::ProductCard(const QJsonObject &product, const CatalogueServices &se
                          const std::function<void()> &quotaChanged, QWidget *parent)
     : QFrame(parent),
       localisation_(services.localisation),
+      downloads_(services.downloads),
+      previews_(services.previews),
       product_(parseComponentProduct(product)),
       category_(product.value("category"_L1).toString())
 {
@@ -54,15 +57,15 @@ ProductCard::ProductCard(const QJsonObject &product, const CatalogueServices &se
     setStyleSheet(CardStyle);
     buildLabels();
     layOut();
-    addDetailsButton(services.openDetails);
+    addDetailsButton();
     if (product_.components.isEmpty())
         addDirectDownload(services, quotaChanged);
     else
-        addComponentActions(services);
+        addComponentActions();
     retranslate();
     // Only now: a layout in place asks to be done again for every widget and every text.
     setLayout(layout_);
-    requestPreview(services.previews);
+    requestPreview();
 }
 
 void ProductCard::buildLabels()
@@ -103,15 +106,24 @@ void ProductCard::layOut()
     layout_->addWidget(statusLabel_);
 }
 
-void ProductCard::addDetailsButton(const CatalogueServices::OpenDetails &openDetails)
+void ProductCard::addDetailsButton()
 {
     detailsButton_ = new QPushButton(this);
     layout_->addWidget(detailsButton_);
-    if (openDetails)
-        connect(detailsButton_, &QPushButton::clicked, this,
-                [this, openDetails] { openDetails(product_, this); });
-    else
-        detailsButton_->hide();
+    connect(detailsButton_, &QPushButton::clicked, this, &ProductCard::openDetails);
+}
+
+void ProductCard::openDetails()
+{
+    if (!details_) {
+        details_ = new ProductDetails(product_, localisation_, downloads_, previews_, this);
+        // A closed dialog is destroyed by the event loop, which may be later than the next click.
+        connect(details_, &QDialog::finished, this, [this] { details_.clear(); });
+    }
+    details_->applyLanguage(localisation_.isRightToLeft());
+    details_->show();
+    details_->raise();
+    details_->activateWindow();
 }
 
 void ProductCard::addDirectDownload(const CatalogueServices &services,
@@ -127,20 +139,19 @@ void ProductCard::addDirectDownload(const CatalogueServices &services,
             });
 }
 
-void ProductCard::addComponentActions(const CatalogueServices &services)
+void ProductCard::addComponentActions()
 {
     downloadButton_->hide();
     statusLabel_->hide();
-    componentActions_ =
-        new ComponentActions(product_, services.downloads, localisation_, this, /*expanded=*/false);
+    componentActions_ = new ComponentActions(product_, downloads_, localisation_, this, /*expanded=*/false);
     layout_->addWidget(componentActions_);
 }
 
-void ProductCard::requestPreview(ProductPreviews *previews)
+void ProductCard::requestPreview()
 {
-    if (previews && !product_.previews.isEmpty())
-        previews->request(product_.previews.first(), this,
-                          [this](const QImage &image) { showPreview(image); });
+    if (previews_ && !product_.previews.isEmpty())
+        previews_->request(product_.previews.first(), this,
+                           [this](const QImage &image) { showPreview(image); });
 }
 
 void ProductCard::showPreview(const QImage &image)
@@ -208,6 +219,8 @@ void ProductCard::retranslate()
     descriptionLabel_->setText(descriptionText());
     downloadButton_->setText(localisation_.translate("Product.Download"));
     detailsButton_->setText(localisation_.translate("Gallery.Details"));
+    if (details_)
+        details_->applyLanguage(localisation_.isRightToLeft());
     if (componentActions_)
         componentActions_->retranslate(direction);
     if (preview_.isNull())

@@ -15,6 +15,7 @@ namespace quillmar
 {
 
 class ComponentActions;
+class ProductDetails;
 
 /// One product of the catalogue: preview, name, description, and either a download button with a status line
 /// or, for a product with components, the panel of its components.
@@ -55,15 +56,18 @@ private:
     void buildLabels();
     void describe();
     void layOut();
-    void addDetailsButton(const CatalogueServices::OpenDetails &openDetails);
+    void addDetailsButton();
+    void openDetails();
     void addDirectDownload(const CatalogueServices &services, const std::function<void()> &quotaChanged);
-    void addComponentActions(const CatalogueServices &services);
+    void addComponentActions();
     QString descriptionText() const;
-    void requestPreview(ProductPreviews *previews);
+    void requestPreview();
     void showPreview(const QImage &image);
     void updatePreviewPixmap();
 
     const Localisation &localisation_;
+    const QPointer<ProductDownloads> downloads_;
+    const QPointer<ProductPreviews> previews_;
     ComponentProduct product_;
     QString category_;
     QLabel *previewLabel_ = nullptr;
@@ -73,6 +77,7 @@ private:
     QPushButton *downloadButton_ = nullptr;
     QPushButton *detailsButton_ = nullptr;
     ComponentActions *componentActions_ = nullptr; ///< only for a product with components
+    QPointer<ProductDetails> details_;             ///< while it is open
     QVBoxLayout *layout_ = nullptr;
     QPixmap preview_; ///< null until a picture has come
 };

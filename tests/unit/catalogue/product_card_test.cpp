@@ -28,9 +28,8 @@ private Q_SLOTS:
     void languageSwitchTurnsTheCard();
     void languageSwitchKeepsTheStatusSuffix();
     void statusWithoutKeyIsLeftAlone();
-    void withoutHandlersNothingCanBeClicked();
+    void withoutHandlerNothingCanBeDownloaded();
     void downloadButtonStartsTheDownload();
-    void detailsButtonOpensTheDetails();
     void productWithComponentsHasNeitherDownloadNorStatus();
     void componentActionsFollowTheLanguage();
     void containsText_data();
@@ -200,12 +199,11 @@ void ProductCardTest::statusWithoutKeyIsLeftAlone()
     QCOMPARE(CardView(card.get()).status()->text(), QString());
 }
 
-void ProductCardTest::withoutHandlersNothingCanBeClicked()
+void ProductCardTest::withoutHandlerNothingCanBeDownloaded()
 {
     const auto card = this->card(product(u"Frame"_s));
     QVERIFY(!CardView(card.get()).download()->isHidden());
     QVERIFY(!CardView(card.get()).download()->isEnabled());
-    QVERIFY(CardView(card.get()).details()->isHidden());
 }
 
 void ProductCardTest::downloadButtonStartsTheDownload()
@@ -235,22 +233,6 @@ void ProductCardTest::downloadButtonStartsTheDownload()
     QCOMPARE(key, u"key-Frame"_s);
     QCOMPARE(fileSize, 4711);
     QCOMPARE(quotaChanges, 1);
-}
-
-void ProductCardTest::detailsButtonOpensTheDetails()
-{
-    QString opened;
-    const QWidget *asker = nullptr;
-    CatalogueServices services{texts_, nullptr};
-    services.openDetails = [&](const ComponentProduct &product, QWidget *card) {
-        opened = product.product_key;
-        asker = card;
-    };
-    const ProductCard card(productWithComponent(u"Pack"_s), services, [] {}, nullptr);
-    QVERIFY(!CardView(&card).details()->isHidden());
-    CardView(&card).details()->click();
-    QCOMPARE(opened, u"key-Pack"_s);
-    QCOMPARE(asker, &card);
 }
 
 void ProductCardTest::productWithComponentsHasNeitherDownloadNorStatus()
