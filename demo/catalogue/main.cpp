@@ -16,6 +16,7 @@ int main(int argc, char **argv)
     quillmar::demo::makePacks(workshop);
     quillmar::demo::makeMotion(workshop);
     quillmar::demo::makeOddities(workshop);
+    quillmar::demo::makePictures(workshop);
     const QStringList errors = workshop.finish();
     for (const QString &error : errors)
         QTextStream(stderr) << "quillmar-demo-catalogue: " << error << Qt::endl;

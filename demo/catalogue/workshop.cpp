@@ -72,6 +72,15 @@ QString Workshop::addPreview(const QString &name, const QImage &image)
     return previewAddress(name);
 }
 
+QString Workshop::addPreviewFile(const QString &name, const QByteArray &bytes)
+{
+    QFile file(folder_ + u"/previews/"_s + name);
+    if (bytes.isEmpty() || !file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() ||
+        !file.flush())
+        note(u"%1 cannot be written"_s.arg(file.fileName()));
+    return previewAddress(name);
+}
+
 QString Workshop::previewAddress(const QString &name)
 {
     return u"https://" QUILLMAR_SERVICE_HOST "/previews/"_s + name;

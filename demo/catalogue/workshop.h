@@ -35,6 +35,9 @@ public:
     /// Saves a preview picture; its suffix gives the format. Result: its address.
     QString addPreview(const QString &name, const QImage &image);
 
+    /// Saves a preview file as it is. Result: its address.
+    QString addPreviewFile(const QString &name, const QByteArray &bytes);
+
     /// Address of a preview that is not there.
     static QString previewAddress(const QString &name);
 

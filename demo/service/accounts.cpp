@@ -35,7 +35,9 @@ std::vector<Account> demoAccounts()
     Account empty = ordinary(u"empty"_s);
     empty.hasProducts = false;
     empty.quota.unlimited = true;
-    return {ordinary(u"demo"_s), wary, exhausted, expiring, elsewhere, empty};
+    Account many = ordinary(u"many"_s);
+    many.hasManyProducts = true;
+    return {ordinary(u"demo"_s), wary, exhausted, expiring, elsewhere, empty, many};
 }
 
 } // namespace

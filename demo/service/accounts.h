@@ -33,7 +33,8 @@ struct Account {
     QString password;
     bool countryAllowed = true;
     bool hasProducts = true;
-    int requestsPerSession = -1; ///< authenticated requests before a session expires; -1: any number
+    bool hasManyProducts = false; ///< the crowd of the catalogue instead of its products
+    int requestsPerSession = -1;  ///< authenticated requests before a session expires; -1: any number
     Quota quota;
 };
 

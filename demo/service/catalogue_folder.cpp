@@ -27,10 +27,25 @@ QString CatalogueFolder::load(const QString &folder)
             return u"%1 is missing"_s.arg(path);
         addProduct(product, path);
     }
+    makeCrowd();
     const QDir previews(dir.filePath(u"previews"_s));
     for (const QString &name : previews.entryList(QDir::Files))
         previews_.insert(name, previews.filePath(name));
     return {};
+}
+
+void CatalogueFolder::makeCrowd()
+{
+    for (qsizetype i = 0; !products_.isEmpty() && i < CrowdSize; ++i) {
+        QJsonObject product = products_.at(i % products_.size()).toObject();
+        const QString key = product.value("product_key"_L1).toString();
+        const QString ownKey = u"%1-%2"_s.arg(key).arg(i + 1);
+        product.insert("product_key"_L1, ownKey);
+        product.insert("product_name"_L1, QString(product.value("product_name"_L1).toString() + u" №"_s +
+                                                  QString::number(i + 1)));
+        crowd_.append(product);
+        packages_.insert(ownKey, packages_.value(key));
+    }
 }
 
 void CatalogueFolder::addProduct(const QJsonObject &product, const QString &packagePath)

@@ -12,6 +12,8 @@ namespace
 
 constexpr auto kPrefix = "/wp-json/quillmar/v1/"_L1;
 constexpr auto kPreviews = "/previews/"_L1;
+/// Previews of this name are out of order at their first request.
+constexpr auto kUnsteady = "unsteady-"_L1;
 constexpr auto kDownloadPage = "/obs-plugin/0.2.0"_L1;
 
 Answer served(const QJsonObject &object)
@@ -109,7 +111,9 @@ Answer ServiceRoutes::logout(const QHttpServerRequest &request, Account *)
 
 Answer ServiceRoutes::products(const QHttpServerRequest &, Account *account)
 {
-    return served({{u"products"_s, account->hasProducts ? catalogue_.products() : QJsonArray()}});
+    if (!account->hasProducts)
+        return served({{u"products"_s, QJsonArray()}});
+    return served({{u"products"_s, account->hasManyProducts ? catalogue_.crowd() : catalogue_.products()}});
 }
 
 Answer ServiceRoutes::downloadQuota(const QHttpServerRequest &, Account *account)
@@ -166,9 +170,14 @@ Answer ServiceRoutes::pluginVersion(const QHttpServerRequest &, Account *)
 
 Answer ServiceRoutes::preview(const QHttpServerRequest &request, Account *)
 {
-    const QString path = catalogue_.preview(request.url().path().sliced(kPreviews.size()));
+    const QString name = request.url().path().sliced(kPreviews.size());
+    const QString path = catalogue_.preview(name);
     if (path.isEmpty())
         return notFound(u"There is no such picture."_s);
+    if (name.startsWith(kUnsteady) && !steadied_.contains(name)) {
+        steadied_.insert(name);
+        return refusal(503, u"busy"_s, u"The picture is not to be had right now."_s);
+    }
     Answer answer;
     answer.file = path;
     answer.contentType = pictureType(path);

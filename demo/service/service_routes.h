@@ -7,6 +7,7 @@
 #include "demo/service/tickets.h"
 
 #include <QHttpServerRequest>
+#include <QSet>
 
 namespace quillmar::demo
 {
@@ -47,6 +48,7 @@ private:
     Accounts accounts_;
     Tickets tickets_;
     CatalogueFolder catalogue_;
+    QSet<QString> steadied_; ///< names of unsteady previews that have failed once
 };
 
 } // namespace quillmar::demo

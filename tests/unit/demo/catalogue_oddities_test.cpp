@@ -188,6 +188,17 @@ void CatalogueOdditiesTest::oddities_data()
     row("gallery of 40", [](const auto &p) {
         return p.json.value("preview_gallery"_L1).toArray().size() == 40 && p.parsed.previews.size() == 32;
     });
+    for (const int size : {0, 1, 5, 8}) {
+        row(qPrintable(u"gallery of %1"_s.arg(size)),
+            [size](const auto &p) { return p.parsed.previews.size() == size; });
+    }
+    row("preview that fails once and has a fallback", [](const auto &p) {
+        return std::ranges::any_of(p.parsed.previews, [](const PreviewEntry &entry) {
+            return entry.url.fileName().startsWith("unsteady-"_L1) && !entry.fallback_url.isEmpty();
+        });
+    });
+    row("Persian product without components",
+        [](const auto &p) { return p.parsed.components.isEmpty() && isPersian(p.parsed.product_name); });
     row("preview_image alone", [](const auto &p) {
         return p.parsed.previews.size() == 1 && !p.json.contains("preview_gallery"_L1) &&
                p.parsed.previews.first().revision == "7"_L1;

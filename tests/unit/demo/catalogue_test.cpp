@@ -10,10 +10,29 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
+#include <cstdlib>
+
 using namespace Qt::StringLiterals;
 
 namespace quillmar::test
 {
+
+namespace
+{
+
+/// Of the lightness of two pictures of one size, pixel by pixel.
+double meanDifference(const QImage &one, const QImage &other)
+{
+    qint64 sum = 0;
+    for (int y = 0; y < one.height(); ++y) {
+        for (int x = 0; x < one.width(); ++x)
+            sum += std::abs(qGray(one.pixel(x, y)) - qGray(other.pixel(x, y)));
+    }
+    return double(sum) / (double(one.width()) * one.height());
+}
+
+} // namespace
 
 /// The catalogue of the demo holds what it says it holds.
 class CatalogueTest : public QObject
@@ -30,6 +49,7 @@ private Q_SLOTS:
     void components_data() { addProductRows(); }
     void components();
     void previews();
+    void turnedPreviewsLookUpright();
 
 private:
     void addProductRows() const;
@@ -64,7 +84,6 @@ void CatalogueTest::product()
     const CatalogueProduct &product = products_.at(index);
     QVERIFY(isValid(product.parsed));
     QVERIFY(!product.parsed.product_name.isEmpty());
-    QVERIFY(!product.parsed.previews.isEmpty());
     QFile file(product.packagePath);
     QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(product.packagePath));
     if (product.parsed.file_size == 0 && product.parsed.sha256.isEmpty())
@@ -133,6 +152,26 @@ void CatalogueTest::previews()
     QCOMPARE(missing, 2);
     for (const char *format : {"png", "jpeg", "webp"})
         QVERIFY2(formats.contains(format), format);
+}
+
+/// One picture in every direction that a camera knows: with the turn applied, all look like the first.
+void CatalogueTest::turnedPreviewsLookUpright()
+{
+    const auto turned = std::ranges::find_if(
+        products_, [](const auto &p) { return p.parsed.product_key == "eight-turns"_L1; });
+    QVERIFY(turned != products_.end());
+    const QImage upright(previewPath(turned->parsed.previews.first().url));
+    QSet<int> directions;
+    for (const PreviewEntry &entry : turned->parsed.previews) {
+        QImageReader reader(previewPath(entry.url));
+        QCOMPARE(reader.format(), "jpeg");
+        directions.insert(reader.transformation().toInt());
+        reader.setAutoTransform(true);
+        const QImage shown = reader.read();
+        QCOMPARE(shown.size(), upright.size());
+        QVERIFY2(meanDifference(shown, upright) < 4, qPrintable(entry.label));
+    }
+    QCOMPARE(directions.size(), 8);
 }
 
 } // namespace quillmar::test

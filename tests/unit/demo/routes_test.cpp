@@ -27,6 +27,8 @@ private Q_SLOTS:
     void pluginVersionIsNewer();
     void pluginPageExists();
     void previewIsServed();
+    void unsteadyPreviewFailsOnce();
+    void crowdOfTheManyAccount();
     void logoutSucceeds();
     void connectionsAreVerified();
 
@@ -125,6 +127,31 @@ void RoutesTest::pluginPageExists()
     QCOMPARE(page.status, 200);
     QCOMPARE(page.headers.value("Content-Type"), "text/html; charset=utf-8");
     QVERIFY(page.body.contains("0.2.0"));
+}
+
+void RoutesTest::unsteadyPreviewFailsOnce()
+{
+    const QString target = u"/previews/unsteady-two.png"_s;
+    const Answered first = service_.send("GET", target);
+    QCOMPARE(first.status, 503);
+    QCOMPARE(first.code(), u"busy"_s);
+    const Answered second = service_.send("GET", target);
+    QCOMPARE(second.status, 200);
+    QCOMPARE(second.headers.value("Content-Type"), "image/png");
+}
+
+void RoutesTest::crowdOfTheManyAccount()
+{
+    const QByteArray token = service_.token(u"many"_s);
+    const QJsonArray products = service_.get(u"products"_s, token).json.value("products"_L1).toArray();
+    QCOMPARE(products.size(), 300);
+    QSet<QString> keys;
+    for (const QJsonValue &product : products)
+        keys.insert(product["product_key"_L1].toString());
+    QCOMPARE(keys.size(), 300);
+    const Answered file = service_.fetch(service_.ticket(token, u"alpha-299"_s));
+    QCOMPARE(file.status, 200);
+    QCOMPARE(file.body, service_.package(u"alpha"_s));
 }
 
 void RoutesTest::previewIsServed()

@@ -152,6 +152,7 @@ void ServiceFixture::writeFolder()
     }
     writeFile(u"products.json"_s, QJsonDocument(products).toJson());
     writeFile(u"previews/one.png"_s, "a picture");
+    writeFile(u"previews/unsteady-two.png"_s, "another picture");
 }
 
 void ServiceFixture::writeFile(const QString &name, const QByteArray &content)

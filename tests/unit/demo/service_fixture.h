@@ -28,8 +28,8 @@ struct Answered {
 /// A running demo service over a small catalogue in a folder of its own, and a client that trusts its
 /// certificate.
 ///
-/// The service answers for "localhost". Products: "alpha" (package of 300,000 bytes) and "beta"; one preview,
-/// "one.png".
+/// The service answers for "localhost". Products: "alpha" (package of 300,000 bytes) and "beta"; two
+/// previews, "one.png" and "unsteady-two.png".
 class ServiceFixture
 {
 public:
