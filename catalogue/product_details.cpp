@@ -126,6 +126,10 @@ void ProductDetails::buildButtons(QBoxLayout *layout)
         row->addWidget(*button);
     }
     layout->addLayout(row);
+    // It comes and goes with every picture; the others must not move under the pointer.
+    QSizePolicy keepsItsPlace = retry_->sizePolicy();
+    keepsItsPlace.setRetainSizeWhenHidden(true);
+    retry_->setSizePolicy(keepsItsPlace);
     connect(previous_, &QPushButton::clicked, this, [this] { step(-1); });
     connect(next_, &QPushButton::clicked, this, [this] { step(+1); });
     connect(retry_, &QPushButton::clicked, this, &ProductDetails::load);

@@ -31,7 +31,7 @@ private:
 const QStringList &allProducts()
 {
     static const QStringList names{u"Host pair"_s, u"Host pictures"_s, u"Host wrong digest"_s,
-                                   u"Host webcam"_s};
+                                   u"Host webcam"_s, u"Host single"_s};
     return names;
 }
 

@@ -117,7 +117,7 @@ HostCatalogue::HostCatalogue(const QList<WebcamFrame> &frames)
         addProduct(u"host-pair"_s, u"Host pair"_s, pair, {u"art"_s, u"noise.bin"_s}) &&
         addProduct(u"host-pictures"_s, u"Host pictures"_s, pictureComponents(), {u"art"_s, u"clips"_s}) &&
         addProduct(u"host-wrong-digest"_s, u"Host wrong digest"_s, {pair.first()}, {picture}) &&
-        addProduct(u"host-webcam"_s, u"Host webcam"_s, webcamComponents(frames), {picture}) &&
+        addProduct(u"host-webcam"_s, u"Host webcam"_s, webcamComponents(frames), {picture}) && addSingle() &&
         writeProducts();
 }
 
@@ -156,6 +156,33 @@ bool HostCatalogue::addProduct(const QString &key, const QString &name, const QJ
                                  {u"file_size"_s, QFileInfo(package).size()},
                                  {u"sha256"_s, lies ? QString(64, u'0') : digestOf(package)},
                                  {u"components"_s, components}});
+    return true;
+}
+
+bool HostCatalogue::addSingle()
+{
+    const QString file = u"Host single.png"_s;
+    const QString folder = path() + u"/packages/host-single"_s;
+    if (!QDir().mkpath(folder) || !drawPicture(folder + u'/' + file, {640, 360}, "PNG"))
+        return false;
+    QJsonArray gallery;
+    for (int number = 1; number <= 3; ++number) {
+        const QString preview = u"single-%1.png"_s.arg(number);
+        if (!drawPicture(path() + u"/previews/"_s + preview, {400 * number, 300}, "PNG"))
+            return false;
+        gallery.append(
+            QJsonObject{{u"url"_s, QString(u"https://" QUILLMAR_SERVICE_HOST "/previews/"_s + preview)},
+                        {u"label"_s, u"View %1"_s.arg(number)}});
+    }
+    products_.append(QJsonObject{{u"product_key"_s, u"host-single"_s},
+                                 {u"product_name"_s, u"Host single"_s},
+                                 {u"product_version"_s, u"2.0"_s},
+                                 {u"description"_s, u"Made for the test of one file"_s},
+                                 {u"category"_s, u"Pictures"_s},
+                                 {u"file_name"_s, file},
+                                 {u"file_mime"_s, u"image/png"_s},
+                                 {u"file_size"_s, QFileInfo(folder + u'/' + file).size()},
+                                 {u"preview_gallery"_s, gallery}});
     return true;
 }
 

@@ -22,7 +22,7 @@ struct WebcamFrame {
 ///
 /// "Host pictures" has one component of every kind and oddity, "Host webcam" one per WebcamFrame, "Host pair"
 /// two components in a package that takes a moment to arrive, "Host wrong digest" a package that is not what
-/// it says.
+/// it says, "Host single" no components but three previews: its package is one picture.
 class HostCatalogue
 {
 public:
@@ -35,6 +35,7 @@ private:
     bool drawAssets() const;
     bool addProduct(const QString &key, const QString &name, const QJsonArray &components,
                     const QStringList &files);
+    bool addSingle();
     bool writeProducts() const;
 
     QTemporaryDir directory_;

@@ -31,6 +31,7 @@ public:
     QuillmarPanel &panel() { return session_->panel(); }
     ObsState state() { return session_->state(); }
     ServiceProcess &service() { return *service_; }
+    const HostCatalogue &catalogue() const { return catalogue_; }
 
     void stopService() { service_->stop(); }
     /// A service on the same catalogue; its accounts and its log begin anew.

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void galleryOfOne();
     void galleryOfFive();
     void nextTwiceQuickly();
+    void nextStaysUnderThePointer();
     void lateImageOfAnotherEntry();
     void failureCanBeRetried();
     void failureIsNotEnlarged();
@@ -190,6 +191,28 @@ void ProductDetailsTest::nextTwiceQuickly()
                              20'000);
     QCOMPARE(view.pictureColour(), QColor(Qt::blue));
     QCOMPARE(view.caption()->text(), u"Overview · 3/3 · view 2"_s);
+}
+
+void ProductDetailsTest::nextStaysUnderThePointer()
+{
+    QList<WireConnection> held;
+    f_->serve("p0", {40, 30});
+    f_->hold("p1", held);
+    const auto details = f_->open(DetailsFixture::product(3));
+    const DetailsView view(details.get());
+    QTRY_VERIFY(view.showsPicture());
+    QTRY_VERIFY(view.next()->x() > view.previous()->x());
+    const QRect place = view.next()->geometry();
+    view.next()->click();
+    QVERIFY(view.retry()->isVisible());
+    QTRY_COMPARE(held.size(), 1);
+    view.content->layout()->activate();
+    QCOMPARE(view.next()->geometry(), place);
+    held.first().send(TlsService::response(200, pngBytes({40, 30}, Qt::red), "image/png"));
+    QTRY_VERIFY(view.showsPicture());
+    QVERIFY(!view.retry()->isVisible());
+    view.content->layout()->activate();
+    QCOMPARE(view.next()->geometry(), place);
 }
 
 void ProductDetailsTest::lateImageOfAnotherEntry()
