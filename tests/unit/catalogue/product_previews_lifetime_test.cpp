@@ -69,7 +69,6 @@ private Q_SLOTS:
     void completionThatDestroysTheLoader();
     void completionThatRequestsAgain_data() { addMoments(); }
     void completionThatRequestsAgain();
-    void completionThatPushesItsPictureOut();
 
 private:
     static void addStages();
@@ -389,26 +388,6 @@ void ProductPreviewsLifetimeTest::completionThatRequestsAgain()
     QTRY_COMPARE(calls, 10);
     finishEverything();
     QCOMPARE(calls, 10);
-}
-
-/// The picture that a completion was given stays whole while others take its place.
-void ProductPreviewsLifetimeTest::completionThatPushesItsPictureOut()
-{
-    service_->handle(
-        "/wide", TlsService::always(TlsService::response(200, encoded(plainPicture({1600, 1200}), "jpeg"))));
-    const PreviewEntry entry = entryAt("kept picture");
-    QByteArray quarters;
-    previews_->request(entry, receiver_.get(), [this, &quarters](const QImage &image) {
-        const auto outcome = std::make_shared<Outcome>();
-        for (int i = 0; i < 6; ++i) {
-            PreviewEntry wide = entryFor(u"/wide"_s);
-            wide.revision = QString::number(i);
-            previews_->request(wide, this, completionFor(outcome));
-        }
-        QTRY_COMPARE_WITH_TIMEOUT(outcome->calls, 6, LongDeadlineMs);
-        quarters = quartersOf(image);
-    });
-    QCOMPARE(quarters, "RGBW");
 }
 
 } // namespace quillmar::test

@@ -33,8 +33,6 @@ class ProductPreviewsTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void formats_data();
-    void formats();
     void contentDecidesNotItsName();
     void tooLongBodyIsNoPicture_data();
     void tooLongBodyIsNoPicture();
@@ -56,7 +54,7 @@ private Q_SLOTS:
     void decodingCountsAsActive();
     void waitingRequestNumber129();
     void noReceiverMeansNothingAtAll();
-    void bothDeadlinesOfASlowServer();
+    void completionThatPushesItsPictureOut();
 
 private:
     std::shared_ptr<Outcome> request(const PreviewEntry &entry);
@@ -102,20 +100,6 @@ qsizetype ProductPreviewsTest::requestsFor(const QByteArray &path) const
 {
     return std::ranges::count_if(service_->requests(),
                                  [&path](const WireRequest &request) { return request.target == path; });
-}
-
-void ProductPreviewsTest::formats_data()
-{
-    QTest::addColumn<QByteArray>("format");
-    for (const char *format : {"png", "jpeg", "webp"})
-        QTest::newRow(format) << QByteArray(format);
-}
-
-void ProductPreviewsTest::formats()
-{
-    QFETCH(const QByteArray, format);
-    service_->handle("/a", picture(encoded(quarteredPicture(), format)));
-    QCOMPARE(quartersOf(fetched(entryFor(u"/a"_s))), "RGBW");
 }
 
 void ProductPreviewsTest::contentDecidesNotItsName()
@@ -389,20 +373,23 @@ void ProductPreviewsTest::noReceiverMeansNothingAtAll()
     QCOMPARE(calls, 0);
 }
 
-/// One is silent, the other sends a byte a second; the silent one is given up first.
-void ProductPreviewsTest::bothDeadlinesOfASlowServer()
+/// The picture that a completion was given stays whole while others take its place.
+void ProductPreviewsTest::completionThatPushesItsPictureOut()
 {
-    QObject context;
-    QList<WireConnection> held;
-    service_->handle("/silent", hold(held));
-    service_->handle("/drip", drip(&context, 1000));
-    QStringList ended;
-    previews_->request(entryFor(u"/drip"_s), &receiver_,
-                       [&ended](const QImage &image) { ended.append(image.isNull() ? u"drip"_s : u"?"_s); });
-    previews_->request(entryFor(u"/silent"_s), &receiver_, [&ended](const QImage &image) {
-        ended.append(image.isNull() ? u"silent"_s : u"?"_s);
+    service_->handle("/a", picture(encoded(quarteredPicture(), "png")));
+    service_->handle("/wide", picture(encoded(plainPicture({1600, 1200}), "jpeg")));
+    QCOMPARE(quartersOf(fetched(entryFor(u"/a"_s))), "RGBW");
+    QByteArray quarters;
+    previews_->request(entryFor(u"/a"_s), &receiver_, [this, &quarters](const QImage &image) {
+        for (int i = 0; i < 6; ++i) {
+            PreviewEntry wide = entryFor(u"/wide"_s);
+            wide.revision = QString::number(i);
+            QCOMPARE(fetched(wide).width(), 1600);
+        }
+        quarters = quartersOf(image);
     });
-    QTRY_COMPARE_WITH_TIMEOUT(ended, QStringList({u"silent"_s, u"drip"_s}), LongDeadlineMs);
+    QCOMPARE(quarters, "RGBW");
+    QCOMPARE(request(entryFor(u"/a"_s))->calls, 0);
 }
 
 } // namespace quillmar::test
