@@ -184,8 +184,7 @@ QWidget *containerOf(const QWidget &list)
 bool compare(int count, const Localisation &localisation)
 {
     const QJsonArray products = catalogue(count);
-    auto *list =
-        new ProductList(CatalogueServices{localisation, {}, {}, [](auto &&...) {}}, {});
+    auto *list = new ProductList(CatalogueServices{localisation, {}, {}, [](auto &&...) {}}, {});
     auto *naiveList = new bench::NaiveCatalogue(localisation);
     Stage ours(list, list->findChild<QLineEdit *>(), containerOf(*list),
                [list](const QJsonArray &array) { list->setProducts(array); });

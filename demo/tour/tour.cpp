@@ -5,6 +5,7 @@
 #include "demo/tour/state_table.h"
 #include "tests/support/processes/waiting.h"
 
+#include <QFile>
 #include <QTextStream>
 
 namespace quillmar::demo
@@ -17,6 +18,9 @@ namespace
 
 constexpr std::chrono::milliseconds LayoutDeadline = std::chrono::seconds(3);
 
+/// What the demo account may download a day.
+constexpr int DailyDownloads = 25;
+
 void say(const QString &line)
 {
     QTextStream(stdout) << line << Qt::endl;
@@ -26,7 +30,8 @@ void say(const QString &line)
 
 bool Tour::run()
 {
-    return open() && visitSignIn() && browse() && addComponents() && readState() && showNewScene() && leave();
+    return open() && visitSignIn() && comeBack() && browse() && lookAtDetails() && saveFile() &&
+           addComponents() && readQuota() && readState() && showNewScene() && leave();
 }
 
 bool Tour::open()
@@ -41,6 +46,9 @@ bool Tour::open()
         return fail(problem);
     firstScene_ = session_->state().currentScene();
     say(u"OBS Studio runs with the module; its dock is open."_s);
+    if (!session_->panel().waitForBanner())
+        return failPanel();
+    say(u"The panel tells that a newer version is there."_s);
     return true;
 }
 
@@ -56,6 +64,22 @@ bool Tour::visitSignIn()
     return true;
 }
 
+bool Tour::comeBack()
+{
+    const test::ObsExit exit = session_->quit();
+    QString problem;
+    if (!exit.inTime || exit.crashed || exit.code != 0 || !session_->startObs(&problem))
+        return fail(u"OBS did not end and start again in order. "_s + problem);
+    test::QuillmarPanel &panel = session_->panel();
+    panel.assumeLanguage(u"en-US"_s);
+    if (!panel.waitForHome() || !panel.waitForBanner() ||
+        !panel.waitForDailyQuota(DailyDownloads, DailyDownloads) || !photograph(u"signed-in-again"_s))
+        return failPanel();
+    say(u"OBS was closed and started again: signed in as before, without typing."_s);
+    firstScene_ = session_->state().currentScene();
+    return true;
+}
+
 bool Tour::browse()
 {
     test::QuillmarPanel &panel = session_->panel();
@@ -66,6 +90,50 @@ bool Tour::browse()
     if (!panel.search({}) || !panel.openComponents(product) || !photograph(u"components"_s))
         return failPanel();
     return true;
+}
+
+bool Tour::lookAtDetails()
+{
+    test::QuillmarPanel &panel = session_->panel();
+    test::ProductDialog dialog(panel, u"Eight Turns"_s);
+    if (!panel.search(u"eight"_s) || !dialog.open() || !dialog.waitForPicture(u" · 1/8 · "_s) ||
+        !photograph(u"details"_s))
+        return failPanel();
+    for (const QString &place : {u" · 2/8 · "_s, u" · 3/8 · "_s}) {
+        if (!dialog.press(u"Gallery.Next"_s) || !dialog.waitForPicture(place))
+            return failPanel();
+    }
+    if (!photograph(u"gallery"_s) || !enlarge(dialog))
+        return failPanel();
+    say(u"The details of “Eight Turns” were opened, its gallery stepped through, a picture enlarged."_s);
+    return panel.search({}) || failPanel();
+}
+
+/// The enlarged view covers the language selector, so it is opened in each language anew.
+bool Tour::enlarge(test::ProductDialog &dialog)
+{
+    test::QuillmarPanel &panel = session_->panel();
+    test::RobotHand hand(session_->desktop());
+    for (const QString &language : {u"en-US"_s, u"fa-IR"_s}) {
+        if (!panel.setLanguage(language) || !dialog.press(u"Gallery.Enlarge"_s) ||
+            !dialog.waitForWindows(2) || !photographIn(language, u"enlarged"_s) || !hand.press(u"Escape"_s) ||
+            !dialog.waitForWindows(1))
+            return false;
+    }
+    return panel.setLanguage(u"en-US"_s) && dialog.press(u"Gallery.Previous"_s) && hand.press(u"Escape"_s) &&
+           dialog.waitForWindows(0);
+}
+
+bool Tour::saveFile()
+{
+    test::QuillmarPanel &panel = session_->panel();
+    test::ProductDialog card(panel, u"Eight Turns"_s);
+    if (!panel.search(u"eight"_s) || !card.save() || !card.showStatus() || !photograph(u"saved-file"_s) ||
+        !panel.search({}))
+        return failPanel();
+    const QString file = session_->home().packageRoot() + u"/Eight Turns.png"_s;
+    say(u"“Eight Turns” was saved as a file."_s);
+    return QFile::exists(file) || fail(u"there is no file "_s + file);
 }
 
 bool Tour::addComponents()
@@ -80,6 +148,17 @@ bool Tour::addComponents()
         if (!photograph(u"added-"_s + (isClip ? u"clip"_s : insertion.mode), button))
             return failPanel();
     }
+    return true;
+}
+
+bool Tour::readQuota()
+{
+    const int left = DailyDownloads - downloads();
+    if (!session_->panel().waitForDailyQuota(left, DailyDownloads))
+        return failPanel();
+    say(u"The service let %1 downloads through; the panel shows %2 of %3 left."_s.arg(downloads())
+            .arg(left)
+            .arg(DailyDownloads));
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/host/support/host_session.h"
+#include "tests/host/support/product_dialog.h"
 #include "tests/host/support/service_process.h"
 
 #include <QDir>
@@ -13,8 +14,8 @@
 namespace quillmar::demo
 {
 
-/// Does what a user does on a first visit: signs in, browses, adds one component of each kind, in both
-/// languages.
+/// Does what a user does on a first visit: signs in, comes back without signing in, browses, looks at the
+/// details, saves a file and adds one component of each kind, in both languages.
 class Tour
 {
 public:
@@ -27,8 +28,13 @@ public:
 private:
     bool open();
     bool visitSignIn();
+    bool comeBack();
     bool browse();
+    bool lookAtDetails();
+    bool enlarge(test::ProductDialog &dialog);
+    bool saveFile();
     bool addComponents();
+    bool readQuota();
     bool showNewScene();
     bool readState();
     bool leave();
@@ -36,6 +42,8 @@ private:
     /// Takes the same picture in both languages; ends in English.
     bool photograph(const QString &name, const std::optional<test::ComponentButton> &outcome = {});
     bool photographIn(const QString &language, const QString &name);
+    /// Downloads that the service has let through so far.
+    int downloads() const { return service_->count(QStringLiteral("download-file")); }
     /// Waits until the panel has laid itself out; notes what is then still cut off.
     bool waitForPreview();
     void waitForLayout(const QString &picture);

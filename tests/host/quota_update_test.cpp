@@ -10,23 +10,6 @@ namespace quillmar::test
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
-
-const Widget *labelWithKey(const WidgetTree &tree, const QString &prefix)
-{
-    return tree.find([&prefix](const Widget &widget) {
-        return widget.properties["quillmarTextKey"_L1].toString().startsWith(prefix);
-    });
-}
-
-const Widget *banner(const WidgetTree &tree)
-{
-    return tree.find([](const Widget &widget) { return widget.name == "quillmarUpdateBanner"_L1; });
-}
-
-} // namespace
-
 /// How many downloads are left, and that there is a newer version, as a user sees it from run to run.
 class QuotaUpdateTest : public QObject
 {
@@ -53,9 +36,6 @@ private Q_SLOTS:
 private:
     QuillmarPanel &panel() { return served_->panel(); }
     int versionRequests() { return served_->service().count(u"plugin-version"_s); }
-    QString daily(int remaining) { return panel().text(u"Quota.Daily"_s).arg(remaining).arg(25); }
-    bool waitForQuota(const QString &text);
-    bool waitForBanner();
     bool bannerShows(const QString &text);
     bool leave();
     bool restart();
@@ -65,33 +45,12 @@ private:
     QList<int> leaks_;
 };
 
-bool QuotaUpdateTest::waitForQuota(const QString &text)
-{
-    return panel().robot().waitFor(
-        [&text](const WidgetTree &tree) {
-            const Widget *label = labelWithKey(tree, u"Quota."_s);
-            return label && label->visible && label->text == text &&
-                   label->rect.height() >= label->needed.height();
-        },
-        u"the quota “%1”"_s.arg(text));
-}
-
-bool QuotaUpdateTest::waitForBanner()
-{
-    return panel().robot().waitFor(
-        [](const WidgetTree &tree) {
-            const Widget *widget = banner(tree);
-            return widget && widget->visible;
-        },
-        u"the update banner"_s);
-}
-
 /// One of the visible texts of the banner, labels and button alike.
 bool QuotaUpdateTest::bannerShows(const QString &text)
 {
     return panel().robot().waitFor(
         [&text](const WidgetTree &tree) {
-            const Widget *widget = banner(tree);
+            const Widget *widget = updateBanner(tree);
             return widget && tree.findBelow(*widget, [&text](const Widget &child) {
                 return child.visible && withoutIsolates(child.text) == text;
             });
@@ -132,7 +91,7 @@ void QuotaUpdateTest::initTestCase()
 
 void QuotaUpdateTest::bannerAppearsAfterTheStart()
 {
-    QVERIFY2(waitForBanner(), qPrintable(panel().problem()));
+    QVERIFY2(panel().waitForBanner(), qPrintable(panel().problem()));
     QCOMPARE(versionRequests(), 1);
     const QJsonObject request = served_->service().requests().constFirst();
     QCOMPARE(request["status"_L1].toInt(), 200);
@@ -149,7 +108,7 @@ void QuotaUpdateTest::bannerFollowsTheLanguage()
              {panel().text(u"Update.Available"_s), versions, panel().text(u"Update.Download"_s)})
             QVERIFY2(bannerShows(text), qPrintable(panel().problem()));
         const WidgetTree tree = panel().robot().tree();
-        QCOMPARE(banner(tree)->rightToLeft, language == u"fa-IR"_s);
+        QCOMPARE(updateBanner(tree)->rightToLeft, language == u"fa-IR"_s);
         QVERIFY(screenshot(u"banner-"_s + language));
     }
 }
@@ -157,16 +116,16 @@ void QuotaUpdateTest::bannerFollowsTheLanguage()
 void QuotaUpdateTest::quotaAppearsAfterSignIn()
 {
     QVERIFY2(panel().enter(u"demo"_s, u"demo"_s), qPrintable(panel().problem()));
-    QVERIFY2(waitForQuota(daily(25)), qPrintable(panel().problem()));
+    QVERIFY2(panel().waitForDailyQuota(25, 25), qPrintable(panel().problem()));
 }
 
 void QuotaUpdateTest::quotaFollowsTheLanguage()
 {
     for (const QString &language : {u"fa-IR"_s, u"en-US"_s}) {
         QVERIFY2(panel().setLanguage(language), qPrintable(panel().problem()));
-        QVERIFY2(waitForQuota(daily(25)), qPrintable(panel().problem()));
+        QVERIFY2(panel().waitForDailyQuota(25, 25), qPrintable(panel().problem()));
         const WidgetTree tree = panel().robot().tree();
-        QCOMPARE(labelWithKey(tree, u"Quota."_s)->rightToLeft, language == u"fa-IR"_s);
+        QCOMPARE(quotaLabel(tree)->rightToLeft, language == u"fa-IR"_s);
         QVERIFY(screenshot(u"quota-"_s + language));
     }
     QCOMPARE(served_->service().count(u"download-quota"_s), 1);
@@ -177,9 +136,9 @@ void QuotaUpdateTest::narrowDockShowsBothWhole()
     QVERIFY2(panel().robot().showDock(300), qPrintable(panel().problem()));
     for (const QString &language : {u"fa-IR"_s, u"en-US"_s}) {
         QVERIFY2(panel().setLanguage(language), qPrintable(panel().problem()));
-        QVERIFY2(waitForQuota(daily(25)), qPrintable(panel().problem()));
+        QVERIFY2(panel().waitForDailyQuota(25, 25), qPrintable(panel().problem()));
         const auto isWhole = [](const WidgetTree &tree) {
-            const Widget *frame = banner(tree);
+            const Widget *frame = updateBanner(tree);
             const auto lines = tree.allBelow(*frame, [](const Widget &w) { return w.role == "label"_L1; });
             return !lines.isEmpty() && std::ranges::all_of(lines, [frame](const Widget *line) {
                 return frame->rect.contains(line->rect) && line->rect.height() >= line->needed.height();
@@ -194,9 +153,9 @@ void QuotaUpdateTest::narrowDockShowsBothWhole()
 void QuotaUpdateTest::downloadCountsDown()
 {
     QVERIFY2(panel().run({u"Host pair"_s, u"First"_s}), qPrintable(panel().problem()));
-    QVERIFY2(waitForQuota(daily(24)), qPrintable(panel().problem()));
+    QVERIFY2(panel().waitForDailyQuota(24, 25), qPrintable(panel().problem()));
     QVERIFY2(panel().run({u"Host pictures"_s, u"Plain"_s}), qPrintable(panel().problem()));
-    QVERIFY2(waitForQuota(daily(23)), qPrintable(panel().problem()));
+    QVERIFY2(panel().waitForDailyQuota(23, 25), qPrintable(panel().problem()));
     QCOMPARE(served_->service().count(u"download-quota"_s), 3);
     QVERIFY(screenshot(u"quota-counted-down"_s));
 }
@@ -204,7 +163,7 @@ void QuotaUpdateTest::downloadCountsDown()
 void QuotaUpdateTest::cachedComponentCountsNothing()
 {
     QVERIFY2(panel().run({u"Host pair"_s, u"Second"_s}), qPrintable(panel().problem()));
-    QVERIFY2(waitForQuota(daily(23)), qPrintable(panel().problem()));
+    QVERIFY2(panel().waitForDailyQuota(23, 25), qPrintable(panel().problem()));
     QCOMPARE(served_->service().count(u"download-file"_s), 2);
     QCOMPARE(served_->service().count(u"download-quota"_s), 3);
 }
@@ -214,7 +173,7 @@ void QuotaUpdateTest::directDownloadOfTheSamePackageCountsNothing()
     const ComponentButton button{u"Host pair"_s, u"First"_s, u"Product.Download"_s};
     QVERIFY2(panel().press(button), qPrintable(panel().problem()));
     QVERIFY(waitUntil([&] { return !panel().outcomePath(button).isEmpty(); }));
-    QVERIFY2(waitForQuota(daily(23)), qPrintable(panel().problem()));
+    QVERIFY2(panel().waitForDailyQuota(23, 25), qPrintable(panel().problem()));
     QCOMPARE(served_->service().count(u"download-file"_s), 2);
 }
 
@@ -222,26 +181,26 @@ void QuotaUpdateTest::signOutHidesTheQuota()
 {
     QVERIFY2(leave(), qPrintable(panel().problem()));
     const WidgetTree tree = panel().robot().tree();
-    QVERIFY(!labelWithKey(tree, u"Quota."_s)->visible);
-    QVERIFY(banner(tree)->visible);
+    QVERIFY(!quotaLabel(tree)->visible);
+    QVERIFY(updateBanner(tree)->visible);
 }
 
 void QuotaUpdateTest::exhaustedAccountHasNoneLeft()
 {
     QVERIFY2(panel().enter(u"quota"_s, u"quota"_s), qPrintable(panel().problem()));
-    QVERIFY2(waitForQuota(daily(0)), qPrintable(panel().problem()));
+    QVERIFY2(panel().waitForDailyQuota(0, 25), qPrintable(panel().problem()));
     const int before = served_->service().count(u"download-quota"_s);
     QVERIFY2(panel().run({u"Host webcam"_s, u"Frame"_s}, u"Download.QuotaReached"_s),
              qPrintable(panel().problem()));
     QTRY_COMPARE_WITH_TIMEOUT(served_->service().count(u"download-quota"_s), before + 1, 20000);
-    QVERIFY2(waitForQuota(daily(0)), qPrintable(panel().problem()));
+    QVERIFY2(panel().waitForDailyQuota(0, 25), qPrintable(panel().problem()));
     QVERIFY2(leave(), qPrintable(panel().problem()));
 }
 
 void QuotaUpdateTest::unlimitedAccountSaysSo()
 {
     QVERIFY2(panel().signIn(u"empty"_s, u"empty"_s), qPrintable(panel().problem()));
-    QVERIFY2(waitForQuota(panel().text(u"Quota.Unlimited"_s)), qPrintable(panel().problem()));
+    QVERIFY2(panel().waitForQuota(panel().text(u"Quota.Unlimited"_s)), qPrintable(panel().problem()));
     QVERIFY2(leave(), qPrintable(panel().problem()));
 }
 
@@ -249,10 +208,10 @@ void QuotaUpdateTest::secondStartShowsTheBannerWithoutARequest()
 {
     QVERIFY(restart());
     panel().assumeLanguage(u"en-US"_s);
-    QVERIFY2(waitForBanner(), qPrintable(panel().problem()));
+    QVERIFY2(panel().waitForBanner(), qPrintable(panel().problem()));
     // What comes after the check in the same start has been asked for when this has an answer.
     QVERIFY2(panel().enter(u"demo"_s, u"demo"_s), qPrintable(panel().problem()));
-    QVERIFY2(waitForQuota(daily(23)), qPrintable(panel().problem()));
+    QVERIFY2(panel().waitForDailyQuota(23, 25), qPrintable(panel().problem()));
     QCOMPARE(versionRequests(), 1);
 }
 
@@ -261,7 +220,7 @@ void QuotaUpdateTest::bannerIsShownWhileTheServiceIsDown()
     served_->stopService();
     QVERIFY(restart());
     panel().assumeLanguage(u"en-US"_s);
-    QVERIFY2(waitForBanner(), qPrintable(panel().problem()));
+    QVERIFY2(panel().waitForBanner(), qPrintable(panel().problem()));
     QVERIFY2(bannerShows(panel().text(u"Update.Download"_s)), qPrintable(panel().problem()));
     QCOMPARE(versionRequests(), 1);
 }

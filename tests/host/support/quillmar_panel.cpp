@@ -93,6 +93,18 @@ const Widget *statusLabel(const WidgetTree &tree)
     });
 }
 
+const Widget *quotaLabel(const WidgetTree &tree)
+{
+    return tree.find([](const Widget &widget) {
+        return widget.properties["quillmarTextKey"_L1].toString().startsWith("Quota."_L1);
+    });
+}
+
+const Widget *updateBanner(const WidgetTree &tree)
+{
+    return tree.find([](const Widget &widget) { return widget.name == "quillmarUpdateBanner"_L1; });
+}
+
 DockRobot::Choice buttonWithText(const QString &text)
 {
     return [text](const WidgetTree &tree) {
@@ -173,6 +185,32 @@ QString QuillmarPanel::statusKey() const
     const WidgetTree tree = robot_.tree();
     const Widget *label = statusLabel(tree);
     return label ? label->properties["quillmarTextKey"_L1].toString() : QString();
+}
+
+bool QuillmarPanel::waitForDailyQuota(int remaining, int limit)
+{
+    return waitForQuota(text(u"Quota.Daily"_s).arg(remaining).arg(limit));
+}
+
+bool QuillmarPanel::waitForQuota(const QString &text)
+{
+    return robot_.waitFor(
+        [&text](const WidgetTree &tree) {
+            const Widget *label = quotaLabel(tree);
+            return label && label->visible && label->text == text &&
+                   label->rect.height() >= label->needed.height();
+        },
+        u"the quota “%1”"_s.arg(text));
+}
+
+bool QuillmarPanel::waitForBanner()
+{
+    return robot_.waitFor(
+        [](const WidgetTree &tree) {
+            const Widget *banner = updateBanner(tree);
+            return banner && banner->visible;
+        },
+        u"the update banner"_s);
 }
 
 bool QuillmarPanel::search(const QString &words)

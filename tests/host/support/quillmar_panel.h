@@ -42,6 +42,12 @@ public:
     bool waitForStatus(const QString &key);
     QString statusKey() const;
 
+    /// Waits for the quota “`remaining` of `limit` today”, whole.
+    bool waitForDailyQuota(int remaining, int limit);
+    /// Waits for a quota label with exactly this text, whole.
+    bool waitForQuota(const QString &text);
+    bool waitForBanner();
+
     bool search(const QString &words);
     bool chooseCategory(const QString &category);
     QStringList visibleProducts() const;
@@ -72,6 +78,8 @@ private:
 };
 
 /// Choices among the widgets of the panel.
+const Widget *quotaLabel(const WidgetTree &tree);
+const Widget *updateBanner(const WidgetTree &tree);
 const Widget *languageSelector(const WidgetTree &tree);
 const Widget *userNameField(const WidgetTree &tree);
 const Widget *passwordField(const WidgetTree &tree);
