@@ -71,14 +71,16 @@ ProductDetails::ProductDetails(const ComponentProduct &product, const Localisati
 void ProductDetails::build()
 {
     contentLayout_ = buildContent();
-    auto *header = new WrappingLabel(this);
-    header->setText(headerText(product_));
-    contentLayout_->addWidget(header);
+    header_ = new WrappingLabel(this);
+    header_->setText(headerText(product_));
+    contentLayout_->addWidget(header_);
     entries_ = new QComboBox(this);
     fillEntries();
     contentLayout_->addWidget(entries_);
     buildPicture(contentLayout_);
     buildButtons(contentLayout_);
+    // An alignment of the layout would take the labels for one line each.
+    contentLayout_->addStretch();
     connect(entries_, &QComboBox::currentIndexChanged, this, &ProductDetails::selectEntry);
     entries_->setFocus();
 }
@@ -89,7 +91,6 @@ QBoxLayout *ProductDetails::buildContent()
     scrollArea->setWidgetResizable(true);
     auto *content = new QWidget;
     auto *layout = new QVBoxLayout(content);
-    layout->setAlignment(Qt::AlignTop);
     scrollArea->setWidget(content);
     auto *outer = new QVBoxLayout(this);
     outer->addWidget(scrollArea);
@@ -157,7 +158,7 @@ void ProductDetails::rebuildActions(const ComponentProduct &product)
     if (product_.components.isEmpty())
         return;
     actions_ = new ComponentActions(product, downloads_, localisation_, this, /*expanded=*/true);
-    contentLayout_->addWidget(actions_);
+    contentLayout_->insertWidget(contentLayout_->count() - 1, actions_);
 }
 
 void ProductDetails::step(qint32 by)
@@ -225,6 +226,9 @@ void ProductDetails::applyLanguage(bool rightToLeft)
     retry_->setText(localisation_.translate("Gallery.Retry"));
     enlarge_->setText(localisation_.translate("Gallery.Enlarge"));
     caption_->setText(captionText());
+    const Qt::Alignment side = rightToLeft ? Qt::AlignRight : Qt::AlignLeft;
+    for (QLabel *label : {header_, caption_})
+        label->setAlignment(side | Qt::AlignTop | Qt::AlignAbsolute);
     if (actions_)
         actions_->retranslate(direction);
     showImage();

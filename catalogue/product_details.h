@@ -71,6 +71,7 @@ private:
     QBoxLayout *contentLayout_ = nullptr;
     QComboBox *entries_ = nullptr;
     QLabel *preview_ = nullptr;
+    QLabel *header_ = nullptr;
     QLabel *caption_ = nullptr;
     QPushButton *previous_ = nullptr;
     QPushButton *next_ = nullptr;

@@ -34,6 +34,7 @@ configure_preset() { # PRESET
 command_demo() {
     ensure_root
     build_preset development
+    rm -rf -- "$build/demo"
     mkdir -p -- "$build/demo"
     local log=$logs/demo.log started=$SECONDS
     in_root build/development/demo/tour/quillmar-demo-tour --output build/demo </dev/null 2>"$log" ||

@@ -28,6 +28,9 @@ private Q_SLOTS:
     void emptyGalleryOfAComponent();
     void galleryOfOne();
     void galleryOfFive();
+    void nothingOverlaps_data();
+    void nothingOverlaps();
+    void textsStandAtTheReadingSide();
     void nextTwiceQuickly();
     void nextStaysUnderThePointer();
     void lateImageOfAnotherEntry();
@@ -163,6 +166,44 @@ void ProductDetailsTest::galleryOfFive()
     QCOMPARE(f_->requests("p3"), 1);
 }
 
+void ProductDetailsTest::nothingOverlaps_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("as it opens") << QSize(720, 760);
+    QTest::newRow("narrow and low") << QSize(420, 400);
+    QTest::newRow("large") << QSize(1100, 1000);
+}
+
+void ProductDetailsTest::nothingOverlaps()
+{
+    QFETCH(const QSize, size);
+    f_->serve("p0", {640, 360});
+    ComponentProduct product = DetailsFixture::product(2);
+    product.description = QString(u"A description that goes on and on. "_s).repeated(8);
+    const auto details = f_->open(product);
+    details->resize(size);
+    const DetailsView view(details.get());
+    QTRY_VERIFY(view.showsPicture());
+    const auto bottom = [](const QWidget *widget) { return widget->geometry().bottom(); };
+    QTRY_VERIFY(view.header()->height() >= view.header()->heightForWidth(view.header()->width()));
+    QTRY_VERIFY(bottom(view.header()) < view.entries()->y());
+    QTRY_VERIFY(bottom(view.entries()) < view.preview()->y());
+    QTRY_COMPARE(view.preview()->height(), 300);
+    QTRY_VERIFY(bottom(view.preview()) < view.caption()->y());
+    QTRY_VERIFY(bottom(view.caption()) < view.next()->y());
+}
+
+void ProductDetailsTest::textsStandAtTheReadingSide()
+{
+    const auto details = f_->open(DetailsFixture::product(0));
+    const DetailsView view(details.get());
+    for (const QLabel *label : {view.header(), view.caption()})
+        QCOMPARE(label->alignment(), Qt::AlignLeft | Qt::AlignTop | Qt::AlignAbsolute);
+    details->applyLanguage(true);
+    for (const QLabel *label : {view.header(), view.caption()})
+        QCOMPARE(label->alignment(), Qt::AlignRight | Qt::AlignTop | Qt::AlignAbsolute);
+}
+
 void ProductDetailsTest::nextTwiceQuickly()
 {
     QList<WireConnection> held;
@@ -286,7 +327,9 @@ void ProductDetailsTest::choosingAComponent()
     view.entries()->setCurrentIndex(1);
     QCOMPARE(actions().size(), 1);
     QCOMPARE(cards(), 1);
-    QCOMPARE(view.content->layout()->indexOf(actions().first()), view.content->layout()->count() - 1);
+    // Only what keeps everything at the top comes after it.
+    QCOMPARE(view.content->layout()->indexOf(actions().first()), view.content->layout()->count() - 2);
+    QVERIFY(view.content->layout()->itemAt(view.content->layout()->count() - 1)->spacerItem());
     QTRY_VERIFY(actions().first()->isVisible());
     QCOMPARE(view.caption()->text(), u"Component · 1/1 · the frame"_s);
     QTRY_VERIFY(view.showsPicture());
