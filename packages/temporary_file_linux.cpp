@@ -111,6 +111,12 @@ QByteArray newName()
     return ".quillmar-" + QByteArray::number(QRandomGenerator::global()->generate64(), 16);
 }
 
+/// Another process may have taken the file away meanwhile, as it does with a record that it renews.
+bool mayWriteOver(const Descriptor &folder, const QByteArray &name)
+{
+    return ::faccessat(folder.number(), name.constData(), W_OK, 0) == 0 || errno == ENOENT;
+}
+
 /// The way to a file that has no name yet.
 QByteArray wayTo(const Descriptor &file)
 {
@@ -184,7 +190,7 @@ bool TemporaryFile::open()
     State &s = *state_;
     struct stat old = {};
     const bool isThere = ::fstatat(s.folder.number(), s.name.constData(), &old, AT_SYMLINK_NOFOLLOW) == 0;
-    if (isThere && (S_ISDIR(old.st_mode) || ::faccessat(s.folder.number(), s.name.constData(), W_OK, 0) != 0))
+    if (isThere && (S_ISDIR(old.st_mode) || !mayWriteOver(s.folder, s.name)))
         return false;
     s.file = Descriptor(::openat(s.folder.number(), ".", O_TMPFILE | O_RDWR | O_CLOEXEC, kFileMode));
     if (!s.file.isOpen() && (errno == EOPNOTSUPP || errno == EISDIR || errno == ENOENT)) {

@@ -18,14 +18,18 @@ QString digestOf(const QByteArray &bytes)
     return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
 }
 
-PackageFixture::PackageFixture()
+ComponentProduct zipProduct(const QByteArray &package)
 {
+    ComponentProduct product;
     product.product_key = u"pack"_s;
     product.product_version = u"1.0"_s;
     product.file_name = u"Pack.zip"_s;
-    product.file_size = bytes().size();
-    product.sha256 = digestOf(bytes());
+    product.file_size = package.size();
+    product.sha256 = digestOf(package);
+    return product;
 }
+
+PackageFixture::PackageFixture() : product(zipProduct(bytes())) {}
 
 QString PackageFixture::packagePath() const
 {

@@ -12,6 +12,9 @@ namespace quillmar::test
 /// Lower-case hexadecimal SHA-256.
 QString digestOf(const QByteArray &bytes);
 
+/// A product whose package is the ZIP archive `package`.
+ComponentProduct zipProduct(const QByteArray &package);
+
 /// An empty package root in a temporary folder, and one product whose size and digest are those of bytes().
 class PackageFixture
 {

@@ -1,3 +1,4 @@
+#include "tests/support/tls_service/hasty_network.h"
 #include "tests/unit/packages/download_fixture.h"
 #include "tests/unit/packages/file_tree.h"
 
@@ -12,19 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace
 {
-
-/// Waits a hundredth of the time that a request allows.
-class HastyNetwork : public QNetworkAccessManager
-{
-protected:
-    QNetworkReply *createRequest(Operation operation, const QNetworkRequest &request,
-                                 QIODevice *body) override
-    {
-        QNetworkRequest hasty(request);
-        hasty.setTransferTimeout(request.transferTimeoutAsDuration() / 100);
-        return QNetworkAccessManager::createRequest(operation, hasty, body);
-    }
-};
 
 /// How a hostile connection ends after its bytes.
 enum class Then { Nothing, Close, Reset };

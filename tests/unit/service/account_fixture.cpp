@@ -24,7 +24,7 @@ bool FakeStore::remove()
     return removes;
 }
 
-AccountFixture::AccountFixture()
+AccountFixture::AccountFixture(std::unique_ptr<QNetworkAccessManager> manager) : network(std::move(manager))
 {
     account = std::make_unique<Account>(session, store, *view, network.get(),
                                         [this](LogLevel level, const QString &line) {

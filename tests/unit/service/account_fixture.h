@@ -28,7 +28,8 @@ public:
 
 /// An account in front of a service on loopback.
 struct AccountFixture {
-    AccountFixture();
+    explicit AccountFixture(
+        std::unique_ptr<QNetworkAccessManager> manager = std::make_unique<QNetworkAccessManager>());
 
     /// Answers a route with bytes, and lets go of the connection afterwards when `thenClose`.
     void answer(const QByteArray &route, const QByteArray &bytes, bool thenClose = false);
@@ -52,7 +53,7 @@ struct AccountFixture {
     Session session;
     FakeStore store;
     std::unique_ptr<RecordingView> view = std::make_unique<RecordingView>();
-    std::unique_ptr<QNetworkAccessManager> network = std::make_unique<QNetworkAccessManager>();
+    std::unique_ptr<QNetworkAccessManager> network;
     QStringList log; ///< "level line"
     std::unique_ptr<Account> account;
     QList<WireConnection> held;

@@ -1,5 +1,6 @@
 #include "account_fixture.h"
 #include "bad_replies.h"
+#include "tests/support/tls_service/hasty_network.h"
 
 #include <QTest>
 
@@ -37,6 +38,9 @@ private Q_SLOTS:
     void failureAfterLogin();
     void manyInterimReplies();
     void bodyOverTheLimitIsCutOff();
+    void silenceEndsAtTheTimeOut_data();
+    void silenceEndsAtTheTimeOut();
+    void packedBodyThatGrowsWithoutEnd();
 };
 
 void AccountProductsTest::refreshSendsOneAuthenticatedGet()
@@ -246,6 +250,45 @@ void AccountProductsTest::bodyOverTheLimitIsCutOff()
     QCOMPARE(f.view->products.size(), 2);
     QVERIFY(f.view->refreshEnabled);
     QVERIFY(f.session.isSignedIn());
+}
+
+void AccountProductsTest::silenceEndsAtTheTimeOut_data()
+{
+    QTest::addColumn<QByteArray>("begin");
+    QTest::newRow("no answer at all") << QByteArray();
+    QTest::newRow("in the header") << QByteArray("HTTP/1.1 200 OK\r\nContent-Ty");
+    QTest::newRow("in the body") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{\"products\"");
+}
+
+void AccountProductsTest::silenceEndsAtTheTimeOut()
+{
+    QFETCH(const QByteArray, begin);
+    AccountFixture f(std::make_unique<HastyNetwork>());
+    f.signInWell();
+    f.answer("products", begin);
+    f.account->refreshProducts();
+    QTRY_COMPARE(f.view->productsMessage, QStringLiteral("Products.Failed"));
+    QVERIFY(f.view->refreshEnabled);
+    QVERIFY(f.session.isSignedIn());
+    QCOMPARE(f.view->products.size(), 2);
+}
+
+/// 200 MiB of blanks around a good list, in 200 KiB on the wire.
+void AccountProductsTest::packedBodyThatGrowsWithoutEnd()
+{
+    AccountFixture f;
+    f.signInWell();
+    const QByteArray packed =
+        qCompress("{\"products\": [" + QByteArray(qsizetype(200) << 20, ' ') + "]}").mid(4);
+    f.answer("products",
+             TlsService::response(200, packed, "application/json", {{"Content-Encoding", "deflate"}}));
+    f.account->refreshProducts();
+    QTRY_COMPARE(f.view->productsMessage, QStringLiteral("Products.Failed"));
+    QCOMPARE(f.view->products.size(), 2);
+    f.answerWell();
+    f.account->refreshProducts();
+    QVERIFY(f.settles());
+    QVERIFY(!f.view->productsMessageVisible);
 }
 
 QTEST_GUILESS_MAIN(AccountProductsTest)

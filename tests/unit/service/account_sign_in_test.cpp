@@ -51,6 +51,7 @@ private Q_SLOTS:
     void sessionIsInPlaceWhenTheQuotaIsAskedFor();
     void isHandledWhateverTheGeneration();
     void secretsNeverReachTheLog();
+    void unreachable();
     void connectionOfTheLoginIsClosedAfterwards();
     void requestUnderWayIsNotStranded();
 };
@@ -354,6 +355,23 @@ void AccountSignInTest::secretsNeverReachTheLog()
     QVERIFY(!all.contains(QStringLiteral("s3cret")));
     QVERIFY(!all.contains(QStringLiteral("t0ken")));
     QVERIFY(!all.contains(QStringLiteral("sara")));
+}
+
+void AccountSignInTest::unreachable()
+{
+    AccountFixture f;
+    f.answerWell();
+    f.service.setUnreachable(true);
+    f.account->signIn();
+    QTRY_COMPARE(f.view->status, QStringLiteral("red Status.LoginFailed"));
+    QVERIFY(f.view->signInEnabled);
+    QVERIFY(!f.session.isSignedIn());
+    QCOMPARE(f.log.size(), 1);
+    QVERIFY(f.log.first().contains(QStringLiteral("HTTP 0")));
+    f.service.setUnreachable(false);
+    f.network->clearConnectionCache();
+    f.account->signIn();
+    QTRY_COMPARE(f.view->status, QStringLiteral("green Status.LoginSuccess"));
 }
 
 void AccountSignInTest::connectionOfTheLoginIsClosedAfterwards()

@@ -1,6 +1,7 @@
 #include "account_fixture.h"
 #include "bad_replies.h"
 #include "service/routes.h"
+#include "tests/support/tls_service/hasty_network.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -39,6 +40,7 @@ private Q_SLOTS:
     void badReply_data();
     void badReply();
     void unreachable();
+    void silenceEndsAtTheTimeOut();
     void otherRequestsOfTheSessionAreAborted();
     void abortedHandlersSeeTheSessionGone();
     void handlerThatEndsAnotherRequest();
@@ -211,6 +213,17 @@ void AccountSignOutTest::unreachable()
     f.account->signOut();
     QTRY_COMPARE(f.view->status, QStringLiteral("red Logout.Failed"));
     QVERIFY(f.session.isSignedIn());
+}
+
+void AccountSignOutTest::silenceEndsAtTheTimeOut()
+{
+    AccountFixture f(std::make_unique<HastyNetwork>());
+    f.signInWell();
+    f.hold("logout");
+    f.account->signOut();
+    QTRY_COMPARE(f.view->status, QStringLiteral("red Logout.Failed"));
+    QVERIFY(f.session.isSignedIn());
+    QVERIFY(f.view->logoutEnabled);
 }
 
 void AccountSignOutTest::otherRequestsOfTheSessionAreAborted()
