@@ -29,6 +29,8 @@ DriverServer::DriverServer()
     addObsHandlers();
     addWindowHandlers();
     addProcessHandlers();
+    addStageHandlers();
+    addTransitionHandlers();
     connect(&server_, &QLocalServer::newConnection, this, &DriverServer::accept);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/host/driver/ambush.h"
 #include "tests/support/stall_meter.h"
 
 #include <QHash>
@@ -39,10 +40,13 @@ private:
     void addObsHandlers();
     void addWindowHandlers();
     void addProcessHandlers();
+    void addStageHandlers();
+    void addTransitionHandlers();
 
     QLocalServer server_;
     QHash<QString, Handler> handlers_;
     StallMeter stallMeter_;
+    Ambush ambush_;
 };
 
 } // namespace quillmar::test

@@ -11,7 +11,8 @@ namespace
 {
 
 constexpr int WheelStepsAtOnce = 1;
-constexpr std::chrono::milliseconds ClickEffect = 2s;
+constexpr QPoint StepAside{0, 60};
+constexpr std::chrono::milliseconds ClickEffect = 1s;
 constexpr std::chrono::milliseconds QuietTime = 400ms;
 
 bool isUsable(const Widget &widget)
@@ -132,6 +133,11 @@ std::optional<QPoint> DockRobot::pointAt(const Choice &choice, QPoint point)
         const Widget *widget = locate(now, choice);
         return widget && widget->hovered && widget->seen.center() == point;
     };
+    if (waitUntil(noticed, ClickEffect))
+        return point;
+    // A pointer that was there before a dialog came and went must leave and come back to be noticed.
+    hand_.moveTo(point - StepAside);
+    hand_.moveTo(point);
     return waitUntil(noticed, ClickEffect) ? std::optional(point) : std::nullopt;
 }
 

@@ -1,12 +1,13 @@
 #include "tests/host/support/host_catalogue.h"
 
+#include "tests/host/support/asset_tools.h"
+
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QJsonDocument>
-#include <QProcess>
 #include <QRandomGenerator>
 
 namespace quillmar::test
@@ -19,17 +20,6 @@ namespace
 
 constexpr qsizetype NoiseBytes = 48 * 1024 * 1024;
 constexpr quint32 NoiseSeed = 20;
-
-bool run(const QString &folder, const QString &program, const QStringList &arguments)
-{
-    QProcess process;
-    process.setWorkingDirectory(folder);
-    process.setStandardOutputFile(QProcess::nullDevice());
-    process.setStandardErrorFile(QProcess::nullDevice());
-    process.start(program, arguments);
-    return process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit &&
-           process.exitCode() == 0;
-}
 
 bool drawPicture(const QString &path, QSize size, const char *format)
 {
@@ -107,7 +97,7 @@ QJsonArray webcamComponents(const QList<WebcamFrame> &frames)
 
 } // namespace
 
-HostCatalogue::HostCatalogue(const QList<WebcamFrame> &frames)
+HostCatalogue::HostCatalogue(const QList<WebcamFrame> &frames, const QList<StageComponent> &stage)
 {
     const QString picture = u"art/plain.png"_s;
     const QJsonArray pair{component(u"First"_s, u"art/plain.png"_s, u"overlay"_s, u"image"_s),
@@ -118,7 +108,7 @@ HostCatalogue::HostCatalogue(const QList<WebcamFrame> &frames)
         addProduct(u"host-pictures"_s, u"Host pictures"_s, pictureComponents(), {u"art"_s, u"clips"_s}) &&
         addProduct(u"host-wrong-digest"_s, u"Host wrong digest"_s, {pair.first()}, {picture}) &&
         addProduct(u"host-webcam"_s, u"Host webcam"_s, webcamComponents(frames), {picture}) && addSingle() &&
-        writeProducts();
+        (stage.isEmpty() || addStage(stage)) && writeProducts();
 }
 
 bool HostCatalogue::drawAssets() const
@@ -132,10 +122,16 @@ bool HostCatalogue::drawAssets() const
            drawPicture(folder.filePath(u"art/قاب.png"_s), {64, 64}, "PNG") &&
            drawPicture(folder.filePath(u"art/animation.gif.png"_s), {8, 8}, "PNG") &&
            folder.rename(u"art/animation.gif.png"_s, u"art/animation.gif"_s) &&
-           run(path(), u"ffmpeg"_s,
-               {u"-f"_s, u"lavfi"_s, u"-i"_s, u"testsrc=size=64x64:rate=10"_s, u"-t"_s, u"1"_s, u"-c:v"_s,
-                u"libvpx"_s, u"clips/clip.webm"_s}) &&
+           runTool(path(), u"ffmpeg"_s,
+                   {u"-f"_s, u"lavfi"_s, u"-i"_s, u"testsrc=size=64x64:rate=10"_s, u"-t"_s, u"1"_s, u"-c:v"_s,
+                    u"libvpx"_s, u"clips/clip.webm"_s}) &&
            writeNoise(folder.filePath(u"noise.bin"_s));
+}
+
+bool HostCatalogue::addStage(const QList<StageComponent> &components)
+{
+    return makeStageAssets(path()) &&
+           addProduct(u"host-stage"_s, u"Host stage"_s, stageComponents(components), {u"stage"_s});
 }
 
 bool HostCatalogue::addProduct(const QString &key, const QString &name, const QJsonArray &components,
@@ -143,7 +139,7 @@ bool HostCatalogue::addProduct(const QString &key, const QString &name, const QJ
 {
     const QString package = path() + u"/packages/"_s + key + u'/' + key + u".zip"_s;
     if (!QDir().mkpath(QFileInfo(package).path()) ||
-        !run(path(), u"zip"_s, QStringList{u"-q"_s, u"-r"_s, u"-n"_s, u".bin"_s, package} + files))
+        !runTool(path(), u"zip"_s, QStringList{u"-q"_s, u"-r"_s, u"-n"_s, u".bin"_s, package} + files))
         return false;
     const bool lies = key == "host-wrong-digest"_L1;
     products_.append(QJsonObject{{u"product_key"_s, key},

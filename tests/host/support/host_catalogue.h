@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/host/support/stage_catalogue.h"
+
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
@@ -22,17 +24,19 @@ struct WebcamFrame {
 ///
 /// "Host pictures" has one component of every kind and oddity, "Host webcam" one per WebcamFrame, "Host pair"
 /// two components in a package that takes a moment to arrive, "Host wrong digest" a package that is not what
-/// it says, "Host single" no components but three previews: its package is one picture.
+/// it says, "Host single" no components but three previews: its package is one picture. "Host stage" is
+/// there only when a test has components for it.
 class HostCatalogue
 {
 public:
-    explicit HostCatalogue(const QList<WebcamFrame> &frames = {});
+    explicit HostCatalogue(const QList<WebcamFrame> &frames = {}, const QList<StageComponent> &stage = {});
 
     bool isValid() const { return valid_; }
     QString path() const { return directory_.path(); }
 
 private:
     bool drawAssets() const;
+    bool addStage(const QList<StageComponent> &components);
     bool addProduct(const QString &key, const QString &name, const QJsonArray &components,
                     const QStringList &files);
     bool addSingle();

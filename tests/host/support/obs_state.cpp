@@ -37,10 +37,18 @@ ObsItem readItem(const QJsonValue &value)
     item.boundsAlignment = value["bounds_alignment"_L1].toInt(-1);
     item.cropToBounds = value["crop_to_bounds"_L1].toBool(true);
     item.visible = value["visible"_L1].toBool();
+    item.locked = value["locked"_L1].toBool();
     const QJsonArray crop = value["crop"_L1].toArray();
     for (const QJsonValue &side : crop)
         item.crop.append(side.toInt());
     return item;
+}
+
+std::optional<ObsSource> named(const QList<ObsSource> &list, const QString &name)
+{
+    const auto found =
+        std::find_if(list.cbegin(), list.cend(), [&name](const ObsSource &s) { return s.name == name; });
+    return found == list.cend() ? std::nullopt : std::optional(*found);
 }
 
 } // namespace
@@ -63,10 +71,26 @@ QList<ObsSource> ObsState::sources() const
 
 std::optional<ObsSource> ObsState::source(const QString &name) const
 {
-    const QList<ObsSource> list = sources();
-    const auto found =
-        std::find_if(list.cbegin(), list.cend(), [&name](const ObsSource &s) { return s.name == name; });
-    return found == list.cend() ? std::nullopt : std::optional(*found);
+    return named(sources(), name);
+}
+
+QList<ObsSource> ObsState::transitions() const
+{
+    QList<ObsSource> list;
+    const QJsonArray report = driver_.ask(u"transitions"_s)["all"_L1].toArray();
+    for (const QJsonValue &value : report)
+        list.append(readSource(value));
+    return list;
+}
+
+std::optional<ObsSource> ObsState::transition(const QString &name) const
+{
+    return named(transitions(), name);
+}
+
+QString ObsState::currentTransition() const
+{
+    return driver_.ask(u"transitions"_s)["current"_L1].toString();
 }
 
 QStringList ObsState::ownNames() const

@@ -43,6 +43,7 @@ struct ObsItem {
     int boundsAlignment = -1;
     bool cropToBounds = true;
     bool visible = false;
+    bool locked = false;
     QList<int> crop;
 };
 
@@ -57,6 +58,10 @@ public:
     /// Names of the sources and scenes that the module made, sorted.
     QStringList ownNames() const;
     QStringList scenes() const;
+    /// The transitions of the front end.
+    QList<ObsSource> transitions() const;
+    std::optional<ObsSource> transition(const QString &name) const;
+    QString currentTransition() const;
     QString currentScene() const;
     /// From bottom to top.
     QList<ObsItem> items(const QString &scene) const;

@@ -306,10 +306,14 @@ QString QuillmarPanel::outcomePath(const ComponentButton &button) const
 
 bool QuillmarPanel::run(const ComponentButton &button, const QString &key)
 {
+    const QString before = outcome(button);
     if (!press(button))
         return false;
     // A click is lost when the list moves under the pointer between press and release; a person clicks again.
-    const auto isTaken = [&] { return !outcome(button).isEmpty(); };
+    const auto isTaken = [&] {
+        const QString now = outcome(button);
+        return !now.isEmpty() && (now != before || now == key);
+    };
     if (!waitUntil(isTaken, 5s) && !press(button))
         return false;
     return waitForOutcome(button, key);

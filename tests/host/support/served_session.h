@@ -13,6 +13,8 @@ namespace quillmar::test
 struct ServedSettings {
     HostSettings host{};
     QList<WebcamFrame> frames{};
+    /// What "Host stage" has; empty: there is no such product.
+    QList<StageComponent> stage{};
     /// Above 0: the service also offers a product of this size ("Giant package" with the component "Giant
     /// clip").
     qint64 giantBytes = 0;
@@ -43,7 +45,8 @@ public:
     bool enter(const QString &account);
 
 private:
-    explicit ServedSession(const ServedSettings &settings) : settings_(settings), catalogue_(settings.frames)
+    explicit ServedSession(const ServedSettings &settings)
+        : settings_(settings), catalogue_(settings.frames, settings.stage)
     {
     }
 
