@@ -109,8 +109,8 @@ QJsonArray reportScenes()
 QJsonArray reportItems(const QString &scene)
 {
     QJsonArray list;
-    const OBSSceneAutoRelease found = obs_get_scene_by_name(scene.toUtf8().constData());
-    if (found)
+    const OBSSourceAutoRelease source = obs_get_source_by_name(scene.toUtf8().constData());
+    if (obs_scene_t *found = obs_group_or_scene_from_source(source))
         obs_scene_enum_items(found, appendItem, &list);
     return list;
 }

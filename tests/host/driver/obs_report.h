@@ -15,8 +15,8 @@ QJsonArray reportSources();
 /// Names of the scenes in the order of OBS's own list.
 QJsonArray reportScenes();
 
-/// The items of a scene from bottom to top, with everything that a transform holds; empty when there is no
-/// such scene.
+/// The items of a scene or group from bottom to top, with everything that a transform holds; empty when there
+/// is no such scene.
 QJsonArray reportItems(const QString &scene);
 
 /// {"current": name, "all": [{"name", "id", "settings"}]}

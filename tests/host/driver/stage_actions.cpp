@@ -55,12 +55,15 @@ bool lockItem(obs_scene_t *, obs_sceneitem_t *item, void *)
     return true;
 }
 
-QAbstractButton *buttonOnCard(const QFrame &card, const QString &caption)
+const QFrame *cardOf(const QString &component)
 {
-    const QList<QAbstractButton *> buttons = card.findChildren<QAbstractButton *>();
-    for (QAbstractButton *button : buttons) {
-        if (button->text() == caption)
-            return button;
+    const QWidget *panel = dockPanel();
+    const QList<QFrame *> cards =
+        panel ? panel->findChildren<QFrame *>(u"quillmarComponentCard"_s) : QList<QFrame *>();
+    for (const QFrame *card : cards) {
+        const QLabel *title = card->findChild<QLabel *>();
+        if (title && title->text() == component)
+            return card;
     }
     return nullptr;
 }
@@ -71,6 +74,14 @@ QJsonValue setStudioMode(bool on)
 {
     obs_frontend_set_preview_program_mode(on);
     return obs_frontend_preview_program_mode_active() == on;
+}
+
+QJsonValue setPreviewScene(const QString &name)
+{
+    const OBSSceneAutoRelease scene = sceneOf(name);
+    if (scene)
+        obs_frontend_set_current_preview_scene(obs_scene_get_source(scene));
+    return static_cast<bool>(scene);
 }
 
 QJsonValue setCanvas(QSize size)
@@ -152,18 +163,27 @@ QJsonValue closeDialogs()
 
 QJsonValue pressOnCard(const QString &component, const QString &caption)
 {
-    const QWidget *panel = dockPanel();
-    const QList<QFrame *> cards =
-        panel ? panel->findChildren<QFrame *>(u"quillmarComponentCard"_s) : QList<QFrame *>();
-    for (const QFrame *card : cards) {
-        const QLabel *title = card->findChild<QLabel *>();
-        QAbstractButton *button = buttonOnCard(*card, caption);
-        if (title && title->text() == component && button && button->isEnabled()) {
+    const QFrame *card = cardOf(component);
+    const QList<QAbstractButton *> buttons =
+        card ? card->findChildren<QAbstractButton *>() : QList<QAbstractButton *>();
+    for (QAbstractButton *button : buttons) {
+        if (button->text() == caption && button->isEnabled()) {
             button->click();
             return true;
         }
     }
     return false;
+}
+
+QJsonValue statusOnCard(const QString &component)
+{
+    const QFrame *card = cardOf(component);
+    const QList<QLabel *> labels = card ? card->findChildren<QLabel *>() : QList<QLabel *>();
+    for (const QLabel *label : labels) {
+        if (const QVariant key = label->property("textKey"); key.isValid())
+            return key.toString();
+    }
+    return QString();
 }
 
 } // namespace quillmar::test

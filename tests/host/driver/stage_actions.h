@@ -12,6 +12,9 @@ namespace quillmar::test
 
 QJsonValue setStudioMode(bool on);
 
+/// Shows a scene beside the one on air, in studio mode.
+QJsonValue setPreviewScene(const QString &name);
+
 /// Sets the canvas and the output of the profile, and has OBS start its video anew.
 QJsonValue setCanvas(QSize size);
 
@@ -41,5 +44,8 @@ QJsonValue closeDialogs();
 
 /// Presses the button `caption` on the card of the component `component`, without a pointer.
 QJsonValue pressOnCard(const QString &component, const QString &caption);
+
+/// Text key of the first status that the card of a component shows; empty while it shows none.
+QJsonValue statusOnCard(const QString &component);
 
 } // namespace quillmar::test

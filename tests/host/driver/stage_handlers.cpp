@@ -38,6 +38,9 @@ Ambush::Action actionOf(const QJsonObject &request)
 void DriverServer::addStageHandlers()
 {
     handlers_[u"studio-mode"_s] = [](const QJsonObject &r) { return setStudioMode(r["on"_L1].toBool()); };
+    handlers_[u"set-preview-scene"_s] = [](const QJsonObject &r) {
+        return setPreviewScene(text(r, "scene"_L1));
+    };
     handlers_[u"set-canvas"_s] = [](const QJsonObject &r) { return setCanvas(size(r)); };
     handlers_[u"add-colour"_s] = [](const QJsonObject &r) {
         return addColour(text(r, "scene"_L1), text(r, "name"_L1));
@@ -55,6 +58,9 @@ void DriverServer::addStageHandlers()
     handlers_[u"close-dialogs"_s] = [](const QJsonObject &) { return closeDialogs(); };
     handlers_[u"press-on-card"_s] = [](const QJsonObject &r) {
         return pressOnCard(text(r, "component"_L1), text(r, "caption"_L1));
+    };
+    handlers_[u"status-on-card"_s] = [](const QJsonObject &r) {
+        return statusOnCard(text(r, "component"_L1));
     };
     handlers_[u"program-picture"_s] = [](const QJsonObject &r) {
         return writeProgramPicture(text(r, "file"_L1), size(r));

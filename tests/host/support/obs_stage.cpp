@@ -14,6 +14,11 @@ bool ObsStage::setStudioMode(bool on) const
     return driver_.ask(u"studio-mode"_s, {{u"on"_s, on}}).toBool();
 }
 
+bool ObsStage::setPreviewScene(const QString &scene) const
+{
+    return driver_.ask(u"set-preview-scene"_s, {{u"scene"_s, scene}}).toBool();
+}
+
 bool ObsStage::setCanvas(QSize size) const
 {
     return driver_.ask(u"set-canvas"_s, {{u"width"_s, size.width()}, {u"height"_s, size.height()}}).toBool();
@@ -45,9 +50,13 @@ bool ObsStage::addTransition(const QString &id, const QString &name) const
            waitUntil([this] { return showsDialog(u"OBSBasicProperties"_s); }) && closeDialogs();
 }
 
+// OBS does not listen while it ends another transition.
 bool ObsStage::setTransition(const QString &name, int milliseconds) const
 {
-    return driver_.ask(u"set-transition"_s, {{u"name"_s, name}, {u"milliseconds"_s, milliseconds}}).toBool();
+    return waitUntil([&] {
+        driver_.ask(u"set-transition"_s, {{u"name"_s, name}, {u"milliseconds"_s, milliseconds}});
+        return driver_.ask(u"transitions"_s)["current"_L1].toString() == name;
+    });
 }
 
 bool ObsStage::isInTransition() const

@@ -17,6 +17,7 @@ public:
     explicit ObsStage(DriverClient &driver) : driver_(driver) {}
 
     bool setStudioMode(bool on) const;
+    bool setPreviewScene(const QString &scene) const;
     bool setCanvas(QSize size) const;
     /// Each becomes the top item of a scene.
     bool addColour(const QString &scene, const QString &name) const;
