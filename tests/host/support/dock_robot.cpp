@@ -2,6 +2,8 @@
 
 #include "tests/support/processes/waiting.h"
 
+#include <QJsonDocument>
+
 namespace quillmar::test
 {
 
@@ -120,8 +122,25 @@ std::optional<QPoint> DockRobot::reach(const Choice &choice, const QString &what
     };
     if (waitFor([&](const WidgetTree &now) { return locate(now, choice) != nullptr; }, what) &&
         !waitUntil(pointed))
-        fail(u"cannot be pointed at: "_s + what);
+        failToPoint(choice, what);
     return point;
+}
+
+/// Tells what the widget and the windows were like, because nobody was there to see it.
+void DockRobot::failToPoint(const Choice &choice, const QString &what)
+{
+    fail(u"cannot be pointed at: "_s + what);
+    const WidgetTree now = tree();
+    if (const Widget *widget = choice(now))
+        explain(u"at %1,%2 seen %3x%4, visible %5, enabled %6, noticed %7"_s.arg(widget->rect.x())
+                    .arg(widget->rect.y())
+                    .arg(widget->seen.width())
+                    .arg(widget->seen.height())
+                    .arg(widget->visible)
+                    .arg(widget->enabled)
+                    .arg(widget->hovered));
+    const QJsonArray windows = driver_.ask(u"windows"_s).toArray();
+    explain(QString::fromUtf8(QJsonDocument(windows).toJson(QJsonDocument::Compact)));
 }
 
 // Events arrive in order: a widget that has noticed the pointer has seen every turn of the wheel before, too.

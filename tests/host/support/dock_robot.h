@@ -50,6 +50,7 @@ private:
     std::optional<QPoint> reach(const Choice &choice, const QString &what);
     std::optional<QPoint> pointAt(const Choice &choice, QPoint point);
     bool isSettled();
+    void failToPoint(const Choice &choice, const QString &what);
     bool fail(const QString &problem);
 
     DriverClient &driver_;
