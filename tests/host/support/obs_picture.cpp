@@ -56,4 +56,14 @@ QString ObsPicture::at(int x, int y) const
     return QColor(pixel).name();
 }
 
+bool ObsPicture::differsFrom(const ObsPicture &other) const
+{
+    int different = 0;
+    for (int y = 0; y < image_.height(); ++y) {
+        for (int x = 0; x < image_.width(); ++x)
+            different += isClose(image_.pixel(x, y), other.image_.pixel(x, y)) ? 0 : 1;
+    }
+    return different * 5 >= image_.width() * image_.height();
+}
+
 } // namespace quillmar::test

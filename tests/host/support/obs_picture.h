@@ -20,6 +20,8 @@ public:
     /// "yellow", "magenta", or else its number.
     QString at(int x, int y) const;
     QString atCentre() const { return at(image_.width() / 2, image_.height() / 2); }
+    /// A fifth of the pixels or more have other colours than in a picture of the same size.
+    bool differsFrom(const ObsPicture &other) const;
 
 private:
     QImage image_;

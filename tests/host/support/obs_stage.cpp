@@ -59,9 +59,14 @@ bool ObsStage::setTransition(const QString &name, int milliseconds) const
     });
 }
 
+double ObsStage::transitionTime() const
+{
+    return driver_.ask(u"transition-time"_s).toDouble();
+}
+
 bool ObsStage::isInTransition() const
 {
-    const double time = driver_.ask(u"transition-time"_s).toDouble();
+    const double time = transitionTime();
     return time > 0.0 && time < 1.0;
 }
 

@@ -29,6 +29,8 @@ public:
     /// current.
     bool addTransition(const QString &id, const QString &name) const;
     bool setTransition(const QString &name, int milliseconds) const;
+    /// How far the current transition is; 0 before it begins, 1 when it has ended.
+    double transitionTime() const;
     /// The current transition has begun and not ended.
     bool isInTransition() const;
 
