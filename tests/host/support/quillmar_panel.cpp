@@ -10,6 +10,9 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
+/// After this long without an effect, a click is taken for lost and done again.
+constexpr std::chrono::milliseconds LostClick = 5s;
+
 bool isPushButton(const Widget &widget)
 {
     return widget.role == "button"_L1;
@@ -256,7 +259,10 @@ bool QuillmarPanel::openComponents(const QString &product)
     const QString what = u"the contents of "_s + product;
     if (!robot_.waitFor([&fold](const WidgetTree &tree) { return fold(tree); }, what))
         return false;
-    return isOpen(robot_.tree()) || (robot_.click(fold, what) && robot_.waitFor(isOpen, what));
+    const auto opens = [&] { return isOpen(robot_.tree()); };
+    if (opens() || (robot_.click(fold, what) && waitUntil(opens, LostClick)))
+        return true;
+    return robot_.click(fold, what) && robot_.waitFor(isOpen, what);
 }
 
 bool QuillmarPanel::press(const ComponentButton &button)
@@ -314,7 +320,7 @@ bool QuillmarPanel::run(const ComponentButton &button, const QString &key)
         const QString now = outcome(button);
         return !now.isEmpty() && (now != before || now == key);
     };
-    if (!waitUntil(isTaken, 5s) && !press(button))
+    if (!waitUntil(isTaken, LostClick) && !press(button))
         return false;
     return waitForOutcome(button, key);
 }

@@ -157,6 +157,7 @@ void StingerInsertionTest::hostileName_data()
                                      << u"Quillmar - "_s + QString(119, u'a');
     QTest::newRow("quotes") << u"\"a\"'b'"_s << u"Quillmar - \"a\"'b'"_s;
     QTest::newRow("line break inside") << u"a\nb"_s << u"Quillmar - a\nb"_s;
+    QTest::newRow("emoji") << u"🎬 صحنه"_s << u"Quillmar - 🎬 صحنه"_s;
     QTest::newRow("placeholder") << u"%1"_s << u"Quillmar - %1"_s;
 }
 
