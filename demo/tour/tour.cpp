@@ -3,6 +3,7 @@
 #include "demo/tour/expected_state.h"
 #include "demo/tour/readability.h"
 #include "demo/tour/state_table.h"
+#include "demo/tour/stinger_stop.h"
 #include "tests/support/processes/waiting.h"
 
 #include <QFile>
@@ -31,7 +32,7 @@ void say(const QString &line)
 bool Tour::run()
 {
     return open() && visitSignIn() && comeBack() && browse() && lookAtDetails() && saveFile() &&
-           addComponents() && readQuota() && readState() && showNewScene() && leave();
+           addComponents() && readQuota() && readState() && addStinger() && showNewScene() && leave();
 }
 
 bool Tour::open()
@@ -169,6 +170,24 @@ bool Tour::readState()
     return table.differences.isEmpty() || fail(table.differences.join(u'\n'));
 }
 
+bool Tour::addStinger()
+{
+    StingerStop stop(
+        *session_,
+        [this](const QString &name, const test::ComponentButton &outcome) {
+            return photograph(name, outcome);
+        },
+        [this](const QString &language, const QString &name, const QString &file) {
+            const QString picture = pictureName(language, name);
+            ++pictures_;
+            return QFile::copy(file, output_.filePath(picture));
+        });
+    if (!stop.visit())
+        return fail(stop.problem());
+    say(stop.report());
+    return true;
+}
+
 bool Tour::showNewScene()
 {
     for (const ExpectedInsertion &insertion : expectedInsertions()) {
@@ -203,13 +222,18 @@ bool Tour::photograph(const QString &name, const std::optional<test::ComponentBu
 
 bool Tour::photographIn(const QString &language, const QString &name)
 {
-    const QString number = u"%1"_s.arg(pictures_ / 2 + 1, 2, 10, '0'_L1);
-    const QString picture = number + u'-' + name + u'-' + language + u".png"_s;
+    const QString picture = pictureName(language, name);
     waitForLayout(picture);
     if (!waitForPreview())
         return false;
     ++pictures_;
     return session_->takeScreenshot(output_.filePath(picture));
+}
+
+QString Tour::pictureName(const QString &language, const QString &name) const
+{
+    const QString number = u"%1"_s.arg(pictures_ / 2 + 1, 2, 10, '0'_L1);
+    return number + u'-' + name + u'-' + language + u".png"_s;
 }
 
 /// What was just added is in OBS's picture, and a fade between scenes is over, only some frames later.

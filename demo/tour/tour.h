@@ -35,6 +35,7 @@ private:
     bool saveFile();
     bool addComponents();
     bool readQuota();
+    bool addStinger();
     bool showNewScene();
     bool readState();
     bool leave();
@@ -42,6 +43,8 @@ private:
     /// Takes the same picture in both languages; ends in English.
     bool photograph(const QString &name, const std::optional<test::ComponentButton> &outcome = {});
     bool photographIn(const QString &language, const QString &name);
+    /// Name of the next picture.
+    QString pictureName(const QString &language, const QString &name) const;
     /// Downloads that the service has let through so far.
     int downloads() const { return service_->count(QStringLiteral("download-file")); }
     /// Waits until the panel has laid itself out; notes what is then still cut off.
