@@ -2,6 +2,7 @@
 
 #include "catalogue/product_details.h"
 #include "obs/component_actions.h"
+#include "ui/button.h"
 #include "ui/plain_tool_tip.h"
 #include "ui/wrapping_label.h"
 
@@ -79,7 +80,7 @@ void ProductCard::buildLabels()
     nameLabel_->setStyleSheet(NameStyle);
     descriptionLabel_ = new WrappingLabel(this);
     describe();
-    downloadButton_ = new QPushButton(this);
+    downloadButton_ = newButton(this);
     statusLabel_ = new WrappingLabel(this);
     statusLabel_->setTextInteractionFlags(Qt::TextSelectableByMouse);
 }
@@ -108,7 +109,7 @@ void ProductCard::layOut()
 
 void ProductCard::addDetailsButton()
 {
-    detailsButton_ = new QPushButton(this);
+    detailsButton_ = newButton(this);
     layout_->addWidget(detailsButton_);
     connect(detailsButton_, &QPushButton::clicked, this, &ProductCard::openDetails);
 }

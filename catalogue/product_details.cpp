@@ -2,6 +2,8 @@
 
 #include "catalogue/picture_view.h"
 #include "obs/component_actions.h"
+#include "ui/button.h"
+#include "ui/focus_ring.h"
 #include "ui/wrapping_label.h"
 
 #include <QComboBox>
@@ -83,12 +85,14 @@ void ProductDetails::build()
     contentLayout_->addStretch();
     connect(entries_, &QComboBox::currentIndexChanged, this, &ProductDetails::selectEntry);
     entries_->setFocus();
+    new FocusRing(this);
 }
 
 QBoxLayout *ProductDetails::buildContent()
 {
     auto *scrollArea = new QScrollArea(this);
     scrollArea->setWidgetResizable(true);
+    scrollArea->setAccessibleName(boundedLine(product_.product_name));
     auto *content = new QWidget;
     auto *layout = new QVBoxLayout(content);
     scrollArea->setWidget(content);
@@ -123,7 +127,7 @@ void ProductDetails::buildButtons(QBoxLayout *layout)
 {
     auto *row = new QHBoxLayout;
     for (QPushButton **button : {&previous_, &next_, &retry_, &enlarge_}) {
-        *button = new QPushButton(this);
+        *button = newButton(this);
         row->addWidget(*button);
     }
     layout->addLayout(row);

@@ -83,11 +83,11 @@ void ProductList::buildHeader(QVBoxLayout *layout)
 
 void ProductList::buildScrollArea(QVBoxLayout *layout)
 {
-    auto *scrollArea = new QScrollArea(this);
-    scrollArea->setWidgetResizable(true);
-    scrollArea->setFrameShape(QFrame::NoFrame);
-    scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    layout->addWidget(scrollArea, 1);
+    scrollArea_ = new QScrollArea(this);
+    scrollArea_->setWidgetResizable(true);
+    scrollArea_->setFrameShape(QFrame::NoFrame);
+    scrollArea_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    layout->addWidget(scrollArea_, 1);
 
     container_ = new QWidget;
     cardLayout_ = new QVBoxLayout(container_);
@@ -98,7 +98,7 @@ void ProductList::buildScrollArea(QVBoxLayout *layout)
     noResults_->setWordWrap(true);
     noResults_->hide();
     cardLayout_->addWidget(noResults_);
-    scrollArea->setWidget(container_);
+    scrollArea_->setWidget(container_);
 }
 
 void ProductList::setProducts(const QJsonArray &products)
@@ -127,7 +127,7 @@ void ProductList::resetFilters()
     search_->clear();
     categories_->clear();
     categories_->addItem(services_.localisation.translate("Products.AllCategories"), QString());
-    setPlainToolTip(categories_, categories_->currentText());
+    nameCategory();
 }
 
 void ProductList::addCard(const QJsonObject &product)
@@ -151,8 +151,16 @@ void ProductList::addCategories()
 
 void ProductList::chooseCategory()
 {
-    setPlainToolTip(categories_, categories_->currentText());
+    nameCategory();
     applyFilter();
+}
+
+/// The drop-down may be too narrow for it, and a screen reader tells by it which products are listed.
+void ProductList::nameCategory()
+{
+    const QString category = categories_->currentText();
+    setPlainToolTip(categories_, category);
+    scrollArea_->setAccessibleName(category);
 }
 
 void ProductList::applyFilter()
@@ -197,7 +205,7 @@ void ProductList::retranslate()
     categories_->setLayoutDirection(texts.direction());
     categories_->setItemText(0, texts.translate("Products.AllCategories"));
     categories_->setAccessibleName(texts.translate("Products.CategoryFilter"));
-    setPlainToolTip(categories_, categories_->currentText());
+    nameCategory();
     search_->setLayoutDirection(texts.direction());
     search_->setAlignment(side | Qt::AlignVCenter);
     search_->setPlaceholderText(texts.translate("Products.SearchPlaceholder"));

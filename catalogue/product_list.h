@@ -10,6 +10,7 @@
 
 class QLabel;
 class QLineEdit;
+class QScrollArea;
 class QVBoxLayout;
 
 namespace quillmar
@@ -44,6 +45,7 @@ private:
     void addCard(const QJsonObject &product);
     void addCategories();
     void chooseCategory();
+    void nameCategory();
     void applyFilter();
     bool matches(const ProductCard &card, const QString &query, const QString &category) const;
     bool isFilterActive(const QString &query) const;
@@ -52,6 +54,7 @@ private:
     std::function<void()> quotaChanged_;
     QLineEdit *search_ = nullptr;
     CategoryComboBox *categories_ = nullptr;
+    QScrollArea *scrollArea_ = nullptr;
     QWidget *container_ = nullptr;
     QVBoxLayout *cardLayout_ = nullptr;
     QLabel *noResults_ = nullptr;

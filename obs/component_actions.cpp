@@ -1,6 +1,7 @@
 #include "obs/component_actions.h"
 
 #include "obs/source_insertion.h"
+#include "ui/button.h"
 #include "ui/plain_tool_tip.h"
 #include "ui/wrapping_label.h"
 
@@ -75,7 +76,7 @@ ComponentActions::ComponentActions(const ComponentProduct &product, ProductDownl
       product_(product),
       downloads_(downloads),
       localisation_(localisation),
-      toggle_(new QPushButton(this)),
+      toggle_(newButton(this)),
       container_(new QWidget(this))
 {
     // Layouts are filled before they are put in place: in place they ask to be done again for every widget.
@@ -102,7 +103,7 @@ ComponentActions::ComponentActions(const ComponentProduct &product, ProductDownl
     }
     addAction(
         layout, 0, layout,
-        {new QPushButton(this), createStatusLabel(this), WholePackage, false, "Component.FullDownload"});
+        {newButton(this), createStatusLabel(this), WholePackage, false, "Component.FullDownload"});
     setLayout(layout);
 
     if (expanded) {
@@ -136,12 +137,12 @@ void ComponentActions::addCard(QBoxLayout *layout, qint32 componentIndex)
     cardLayout->addLayout(row);
     if (canAdd(component)) {
         addAction(row, 1, cardLayout,
-                  {new QPushButton(card), createStatusLabel(card), componentIndex, true, "Component.Add"});
+                  {newButton(card), createStatusLabel(card), componentIndex, true, "Component.Add"});
     }
     if (hasUsableAsset(component)) {
         addAction(
             row, 1, cardLayout,
-            {new QPushButton(card), createStatusLabel(card), componentIndex, false, "Product.Download"});
+            {newButton(card), createStatusLabel(card), componentIndex, false, "Product.Download"});
     }
     card->setLayout(cardLayout);
 }

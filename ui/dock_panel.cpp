@@ -1,6 +1,7 @@
 #include "ui/dock_panel.h"
 
 #include "catalogue/product_list.h"
+#include "ui/focus_ring.h"
 #include "ui/language_preference.h"
 #include "ui/localisation.h"
 #include "ui/quillmar_line_edit.h"
@@ -57,6 +58,7 @@ DockPanel::DockPanel(Localisation &localisation, QWidget *parent)
     localisation_.setTranslatedText(widgets_.signInTitleLabel, "Login.Title"_L1);
     localisation_.setTranslatedText(widgets_.welcomeLabel, "Home.Welcome"_L1);
     connectButtons();
+    new FocusRing(this);
 }
 
 DockPanel::~DockPanel() = default;

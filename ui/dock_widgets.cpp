@@ -1,5 +1,6 @@
 #include "ui/dock_widgets.h"
 
+#include "ui/button.h"
 #include "ui/localisation.h"
 #include "ui/quillmar_line_edit.h"
 #include "ui/styles.h"
@@ -77,7 +78,7 @@ void buildTopRow(DockWidgets &dock, QWidget *panel, const Localisation &localisa
     dock.languageSelector->setLayoutDirection(Qt::LeftToRight);
     dock.languageSelector->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     dock.languageSelector->setStyleSheet(styles::LanguageSelector);
-    dock.logoutButton = new QPushButton(dock.topRow);
+    dock.logoutButton = newButton(dock.topRow);
     dock.logoutButton->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     dock.logoutButton->setStyleSheet(styles::Logout);
     dock.logoutButton->hide();
@@ -123,7 +124,7 @@ void buildSignIn(DockWidgets &dock, QWidget *panel, const Localisation &localisa
     dock.passwordField = addField(dock, panel, localisation);
     dock.passwordField->setEchoMode(QLineEdit::Password);
 
-    dock.signInButton = new QPushButton(panel);
+    dock.signInButton = newButton(panel);
     dock.column->addWidget(dock.signInButton);
 }
 
@@ -151,7 +152,7 @@ void buildWelcome(DockWidgets &dock, QWidget *panel)
 
 QPushButton *addHiddenButton(DockWidgets &dock, QWidget *panel)
 {
-    auto *button = new QPushButton(panel);
+    auto *button = newButton(panel);
     button->hide();
     dock.column->addWidget(button);
     return button;

@@ -1,5 +1,6 @@
 #include "ui/update_banner.h"
 
+#include "ui/button.h"
 #include "ui/plain_tool_tip.h"
 #include "ui/styles.h"
 #include "ui/wrapping_label.h"
@@ -51,7 +52,7 @@ UpdateBanner::UpdateBanner(const Localisation &localisation, QWidget *parent)
     title_->setStyleSheet(styles::UpdateTitle);
     versions_ = addLine(layout);
     notes_ = addLine(layout);
-    download_ = new QPushButton;
+    download_ = newButton(this);
     download_->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     download_->setStyleSheet(styles::UpdateDownload);
     layout->addWidget(download_);
