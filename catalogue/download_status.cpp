@@ -1,5 +1,6 @@
 #include "catalogue/download_status.h"
 
+#include "ui/announcement.h"
 #include "ui/localisation.h"
 #include "ui/plain_tool_tip.h"
 
@@ -63,6 +64,7 @@ void show(QLabel *label, DownloadStatus status, const Localisation &localisation
 {
     label->setStyleSheet(style(status));
     localisation.setTranslatedText(label, textKey(status), suffix);
+    announce(label);
 }
 
 } // namespace

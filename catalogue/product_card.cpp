@@ -56,6 +56,7 @@ ProductCard::ProductCard(const QJsonObject &product, const CatalogueServices &se
     setObjectName("quillmarProductCard"_L1);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
     setStyleSheet(CardStyle);
+    setAccessibleName(product_.product_name);
     buildLabels();
     layOut();
     addDetailsButton();

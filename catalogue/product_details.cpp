@@ -225,6 +225,7 @@ void ProductDetails::applyLanguage(bool rightToLeft)
         boundedLine(localisation_.translate("Gallery.Details") + u" — "_s + product_.product_name));
     entries_->setItemText(0, localisation_.translate("Gallery.Overview"));
     entries_->setAccessibleName(localisation_.translate("Gallery.Select"));
+    entries_->setAccessibleDescription(entries_->accessibleName());
     previous_->setText(localisation_.translate("Gallery.Previous"));
     next_->setText(localisation_.translate("Gallery.Next"));
     retry_->setText(localisation_.translate("Gallery.Retry"));

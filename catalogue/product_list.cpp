@@ -8,6 +8,7 @@
 #include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QSet>
 #include <QSignalBlocker>
@@ -112,6 +113,7 @@ void ProductList::setProducts(const QJsonArray &products)
         if (product.isObject())
             addCard(product.toObject());
     }
+    orderTabStops();
     addCategories();
     applyFilter();
 }
@@ -135,6 +137,20 @@ void ProductList::addCard(const QJsonObject &product)
     auto *card = new ProductCard(product, services_, quotaChanged_, container_);
     cards_.append(card);
     cardLayout_->insertWidget(cardLayout_->count() - 1, card);
+}
+
+/// Qt puts new widgets behind everything in the window, which is all of OBS; the Tab key is to go on from the
+/// list to its cards.
+void ProductList::orderTabStops()
+{
+    QWidget *before = scrollArea_;
+    for (const ProductCard *card : std::as_const(cards_)) {
+        const QList<QPushButton *> buttons = card->findChildren<QPushButton *>();
+        for (QPushButton *button : buttons) {
+            setTabOrder(before, button);
+            before = button;
+        }
+    }
 }
 
 void ProductList::addCategories()
@@ -205,6 +221,7 @@ void ProductList::retranslate()
     categories_->setLayoutDirection(texts.direction());
     categories_->setItemText(0, texts.translate("Products.AllCategories"));
     categories_->setAccessibleName(texts.translate("Products.CategoryFilter"));
+    categories_->setAccessibleDescription(categories_->accessibleName());
     nameCategory();
     search_->setLayoutDirection(texts.direction());
     search_->setAlignment(side | Qt::AlignVCenter);

@@ -43,6 +43,7 @@ private:
     void removeCards();
     void resetFilters();
     void addCard(const QJsonObject &product);
+    void orderTabStops();
     void addCategories();
     void chooseCategory();
     void nameCategory();

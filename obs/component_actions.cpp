@@ -1,6 +1,7 @@
 #include "obs/component_actions.h"
 
 #include "obs/source_insertion.h"
+#include "ui/announcement.h"
 #include "ui/button.h"
 #include "ui/plain_tool_tip.h"
 #include "ui/wrapping_label.h"
@@ -101,9 +102,8 @@ ComponentActions::ComponentActions(const ComponentProduct &product, ProductDownl
     for (QWidget *widget : folded) {
         widget->installEventFilter(this);
     }
-    addAction(
-        layout, 0, layout,
-        {newButton(this), createStatusLabel(this), WholePackage, false, "Component.FullDownload"});
+    addAction(layout, 0, layout,
+              {newButton(this), createStatusLabel(this), WholePackage, false, "Component.FullDownload"});
     setLayout(layout);
 
     if (expanded) {
@@ -123,6 +123,7 @@ void ComponentActions::addCard(QBoxLayout *layout, qint32 componentIndex)
     card->setStyleSheet(
         u"QFrame#quillmarComponentCard { background-color: #111a15; border: 1px solid #365c2c; "
         u"border-radius: 7px; }"_s);
+    card->setAccessibleName(component.component_name);
     layout->addWidget(card);
 
     auto *cardLayout = new QVBoxLayout;
@@ -140,9 +141,8 @@ void ComponentActions::addCard(QBoxLayout *layout, qint32 componentIndex)
                   {newButton(card), createStatusLabel(card), componentIndex, true, "Component.Add"});
     }
     if (hasUsableAsset(component)) {
-        addAction(
-            row, 1, cardLayout,
-            {newButton(card), createStatusLabel(card), componentIndex, false, "Product.Download"});
+        addAction(row, 1, cardLayout,
+                  {newButton(card), createStatusLabel(card), componentIndex, false, "Product.Download"});
     }
     card->setLayout(cardLayout);
 }
@@ -185,7 +185,7 @@ void ComponentActions::retranslate(Qt::LayoutDirection direction)
         action.button->setText(caption(action, rightToLeft));
         const QString textKey = action.status->property(TextKeyProperty).toString();
         if (!textKey.isEmpty()) {
-            setStatus(index, textKey, action.status->property(PathProperty).toString());
+            showStatus(index, textKey, action.status->property(PathProperty).toString());
         }
     }
 }
@@ -288,6 +288,12 @@ void ComponentActions::failRunning()
 }
 
 void ComponentActions::setStatus(int entryIndex, const QString &textKey, const QString &path)
+{
+    showStatus(entryIndex, textKey, path);
+    announce(actions_.at(entryIndex).status);
+}
+
+void ComponentActions::showStatus(int entryIndex, const QString &textKey, const QString &path)
 {
     QLabel *label = actions_.at(entryIndex).status;
     label->setProperty(TextKeyProperty, textKey);

@@ -72,6 +72,7 @@ private:
     void finish(int entryIndex, const QString &textKey, const QString &path = {});
     void failRunning();
     void setStatus(int entryIndex, const QString &textKey, const QString &path = {});
+    void showStatus(int entryIndex, const QString &textKey, const QString &path);
 
     const ComponentProduct product_;
     const QPointer<ProductDownloads> downloads_;

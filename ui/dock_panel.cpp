@@ -1,6 +1,7 @@
 #include "ui/dock_panel.h"
 
 #include "catalogue/product_list.h"
+#include "ui/announcement.h"
 #include "ui/focus_ring.h"
 #include "ui/language_preference.h"
 #include "ui/localisation.h"
@@ -125,6 +126,8 @@ void DockPanel::retranslate()
     callIfSet(quota_.updateText);
     const QString languageLabel = localisation_.translate("Language.Label");
     widgets_.languageSelector->setAccessibleName(languageLabel);
+    // On Unix a screen reader is given the chosen item in place of the name of a drop-down.
+    widgets_.languageSelector->setAccessibleDescription(languageLabel);
     widgets_.languageSelector->setToolTip(languageLabel);
 }
 
@@ -266,12 +269,14 @@ void DockPanel::showStatus(Tone tone, QLatin1StringView key)
 {
     widgets_.statusLabel->setStyleSheet(statusStyle(tone));
     localisation_.setTranslatedText(widgets_.statusLabel, key);
+    announce(widgets_.statusLabel);
 }
 
 void DockPanel::showProductsMessage(QLatin1StringView key)
 {
     localisation_.setTranslatedText(widgets_.productsMessageLabel, key);
     widgets_.productsMessageLabel->show();
+    announce(widgets_.productsMessageLabel);
 }
 
 void DockPanel::hideProductsMessage()

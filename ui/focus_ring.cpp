@@ -69,7 +69,7 @@ FocusRing::FocusRing(QWidget *host) : QFocusFrame(host)
 void FocusRing::followFocus(QWidget *before, QWidget *now)
 {
     leave();
-    if (!now || !parentWidget()->isAncestorOf(now))
+    if (!now || !isBelowHost(now))
         return;
     const bool isBack = !before || isPopup(before->window());
     if (QGuiApplication::mouseButtons() != Qt::NoButton)
@@ -111,14 +111,22 @@ void FocusRing::leave()
 
 void FocusRing::place()
 {
-    const bool isBelow = focused_ && parentWidget()->isAncestorOf(focused_);
-    const QRect shown = isBelow && focused_->isVisible() ? ringRect() & roomForRing() : QRect();
-    setVisible(!shown.isEmpty());
-    if (shown.isEmpty())
+    const QRect shown =
+        focused_ && isBelowHost(focused_) && focused_->isVisible() ? ringRect() & roomForRing() : QRect();
+    if (shown.isEmpty()) {
+        hide();
         return;
+    }
     setGeometry(shown);
     raise();
     update();
+    // Last: it does layouts that are due, which may bring everything here again.
+    show();
+}
+
+bool FocusRing::isBelowHost(const QWidget *widget) const
+{
+    return widget != parentWidget() && parentWidget()->isAncestorOf(widget);
 }
 
 /// Around the focused widget, in the coordinates of the host.

@@ -31,6 +31,7 @@ private:
     void follow(QWidget *widget);
     void leave();
     void place();
+    bool isBelowHost(const QWidget *widget) const;
     QRect ringRect() const;
     QRect roomForRing() const;
 
