@@ -3,9 +3,10 @@
 //   catalogue_memory [PRODUCTS]      300 when none is named
 //
 // Two catalogues: of large pictures, which the memory of the previews cannot keep, and of small ones, which
-// fit, so that every card has one after a few fills (a queue of previews holds 128, and two are on their way).
-// Each is filled, scrolled from top to bottom and back, and compared with the same cards without pictures.
-// Exits with 1 when the process has grown by more than the cards' pixels and the bound of that memory.
+// fit, so that every card has one after a few fills (a queue of previews holds 128, and two are on their
+// way). Each is filled, scrolled from top to bottom and back, and compared with the same cards without
+// pictures. Exits with 1 when the process has grown by more than the cards' pixels and the bound of that
+// memory.
 
 #include "bench/process_memory.h"
 #include "catalogue/product_list.h"
@@ -75,8 +76,9 @@ QJsonArray catalogue(int count, const QString &folder)
                             {u"category"_s, u"Overlays"_s},
                             {u"product_version"_s, u"1.0"_s}};
         if (!folder.isEmpty())
-            product.insert(u"preview_gallery"_s,
-                           QJsonArray{QJsonObject{{u"url"_s, QString(u"https://quillmar.example/"_s + path)}}});
+            product.insert(
+                u"preview_gallery"_s,
+                QJsonArray{QJsonObject{{u"url"_s, QString(u"https://quillmar.example/"_s + path)}}});
         products.append(product);
     }
     return products;
@@ -185,7 +187,8 @@ bool run(const Kind &kind, int count, test::TlsService &service)
     for (int index = 0; index < count; ++index)
         service.handle("/" + QByteArray(kind.name) + '-' + QByteArray::number(index),
                        test::TlsService::always(answer));
-    // What the first pictures of a process bring along, such as TLS and decoders, is no cost of the catalogue.
+    // What the first pictures of a process bring along, such as TLS and decoders, is no cost of the
+    // catalogue.
     Stage().fill(catalogue(WarmUp, QString::fromLatin1(kind.name)));
     Stage stage;
     stage.fill(catalogue(count, {}));

@@ -4,8 +4,10 @@
 #include "ui/plain_tool_tip.h"
 
 #include <QHelpEvent>
+#include <QImage>
 #include <QPainter>
 #include <QStyle>
+#include <QtMath>
 
 namespace quillmar
 {
@@ -67,8 +69,47 @@ int WrappingLabel::heightForWidth(int width) const
     return height;
 }
 
+/// QLabel breaks lines between words only, and a word that is wider than the label is cut at its edge.
+bool WrappingLabel::hasWordTooWideFor(int width) const
+{
+    // Only QLabel itself can paint what is selected.
+    if (isTooLong() || (textInteractionFlags() & Qt::TextSelectableByMouse))
+        return false;
+    const int room = width - contentsMargins().left() - contentsMargins().right() - 2 * margin();
+    const QFontMetrics metrics = fontMetrics();
+    const auto words = QStringView(text()).tokenize(u' ');
+    for (const QStringView word : words) {
+        // Hardly a character is wider than high, so most words need no measuring.
+        if (word.size() * metrics.height() > room && metrics.horizontalAdvance(word.toString()) > room)
+            return true;
+    }
+    return false;
+}
+
+QTextOption WrappingLabel::brokenAnywhere() const
+{
+    QTextOption option(alignment());
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    option.setTextDirection(text().isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    return option;
+}
+
+int WrappingLabel::measureBroken(int width) const
+{
+    QImage canvas(1, 1, QImage::Format_RGB32);
+    QPainter painter(&canvas);
+    painter.setFont(font());
+    const QMargins margins = contentsMargins() + margin();
+    const QRectF place(0, 0, width - margins.left() - margins.right(), QWIDGETSIZE_MAX);
+    QTextOption option = brokenAnywhere();
+    option.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    return qCeil(painter.boundingRect(place, text(), option).height()) + margins.top() + margins.bottom();
+}
+
 int WrappingLabel::measureHeight(int width) const
 {
+    if (hasWordTooWideFor(width))
+        return measureBroken(width);
     if (!isTooLong())
         return QLabel::heightForWidth(width);
     const QRect place(0, 0, width, QWIDGETSIZE_MAX);
@@ -77,12 +118,18 @@ int WrappingLabel::measureHeight(int width) const
 
 void WrappingLabel::paintEvent(QPaintEvent *event)
 {
-    if (!isTooLong()) {
+    const bool isBroken = pixmap().isNull() && hasWordTooWideFor(width());
+    if (!isTooLong() && !isBroken) {
         QLabel::paintEvent(event);
         return;
     }
     QFrame::paintEvent(event);
     QPainter painter(this);
+    if (isBroken) {
+        painter.setPen(palette().color(foregroundRole()));
+        painter.drawText(QRectF(rect() - (contentsMargins() + margin())), text(), brokenAnywhere());
+        return;
+    }
     const int direction = text().isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
     const int flags = static_cast<int>(alignment().toInt()) | direction | Qt::TextWordWrap;
     style()->drawItemText(&painter, contentsRect(), flags, palette(), isEnabled(), shownPart(),

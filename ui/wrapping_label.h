@@ -1,13 +1,14 @@
 #pragma once
 
 #include <QLabel>
+#include <QTextOption>
 #include <QVarLengthArray>
 
 namespace quillmar
 {
 
 /// A label for texts of any length: plain text, wrapped at the width of its place and never a reason to widen
-/// it.
+/// it. A word that is wider than the place is broken, too.
 ///
 /// Belongs into a layout, which asks for the height at a width; the size hints say nothing about the text,
 /// because measuring it for them is what makes long lists slow. A long tool tip is shown wrapped and bounded,
@@ -37,6 +38,9 @@ private:
     bool isTooLong() const;
     QString shownPart() const;
     int measureHeight(int width) const;
+    int measureBroken(int width) const;
+    bool hasWordTooWideFor(int width) const;
+    QTextOption brokenAnywhere() const;
 
     mutable QVarLengthArray<MeasuredHeight, 4> heights_;
     mutable QString measuredText_;

@@ -43,12 +43,10 @@ QStringList expected(const WidgetTree &tree)
 QString kindOf(const AccessibleObject &object)
 {
     static const QHash<QString, QString> kinds{
-        {u"label"_s, u"label"_s},         {u"button"_s, u"button"_s},
-        {u"push button"_s, u"button"_s},  {u"toggle button"_s, u"button"_s},
-        {u"check box"_s, u"button"_s},    {u"combo box"_s, u"list"_s},
-        {u"text"_s, u"field"_s},          {u"entry"_s, u"field"_s},
-        {u"password text"_s, u"field"_s}, {u"image"_s, u"picture"_s},
-        {u"icon"_s, u"picture"_s}};
+        {u"label"_s, u"label"_s},          {u"button"_s, u"button"_s},    {u"push button"_s, u"button"_s},
+        {u"toggle button"_s, u"button"_s}, {u"check box"_s, u"button"_s}, {u"combo box"_s, u"list"_s},
+        {u"text"_s, u"field"_s},           {u"entry"_s, u"field"_s},      {u"password text"_s, u"field"_s},
+        {u"image"_s, u"picture"_s},        {u"icon"_s, u"picture"_s}};
     return kinds.value(object.role);
 }
 
@@ -243,8 +241,9 @@ void AccessibilityTest::keysReachAndPress()
         QVERIFY(hand_->press(key));
         QVERIFY2(robot().waitFor(detailsAreOpen, u"the details"_s), qPrintable(panel().problem()));
         QVERIFY(hand_->press(u"Escape"_s));
-        QVERIFY2(robot().waitFor([](const WidgetTree &tree) { return !detailsAreOpen(tree); }, u"no details"_s),
-                 qPrintable(panel().problem()));
+        QVERIFY2(
+            robot().waitFor([](const WidgetTree &tree) { return !detailsAreOpen(tree); }, u"no details"_s),
+            qPrintable(panel().problem()));
         QTRY_COMPARE_WITH_TIMEOUT(focusedText(), panel().text(u"Gallery.Details"_s), 20000);
     }
 }

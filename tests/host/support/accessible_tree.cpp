@@ -70,8 +70,7 @@ std::unique_ptr<ScreenReader> ScreenReader::start(const QString &sessionBus, QSt
     const char *text = nullptr;
     g_variant_get(address.get(), "(&s)", &text);
     qputenv("AT_SPI_BUS_ADDRESS", text);
-    GVariant *enabled =
-        g_variant_new("(ssv)", "org.a11y.Status", "IsEnabled", g_variant_new_boolean(TRUE));
+    GVariant *enabled = g_variant_new("(ssv)", "org.a11y.Status", "IsEnabled", g_variant_new_boolean(TRUE));
     if (!callOnBus(bus, BusName, BusPath, "org.freedesktop.DBus.Properties", "Set", enabled)) {
         *problem = u"accessibility cannot be switched on"_s;
         return nullptr;

@@ -21,6 +21,9 @@ private Q_SLOTS:
     void heightIsThatOfAPlainLabelAtEveryWidth();
     void megabyteIsKeptWholeAndShownInPart();
     void longTextLooksLikeAnyOther();
+    void wordThatIsTooWideIsBroken_data();
+    void wordThatIsTooWideIsBroken();
+    void wordsThatFitLookAsEver();
 };
 
 void WrappingLabelTest::isPlainAndWrapped()
@@ -125,6 +128,58 @@ void WrappingLabelTest::longTextLooksLikeAnyOther()
         label->resize(250, 100);
     }
     QCOMPARE(cut.grab().toImage(), whole.grab().toImage());
+}
+
+void WrappingLabelTest::wordThatIsTooWideIsBroken_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<Qt::Alignment>("side");
+    QTest::newRow("word") << QString(60, u'm') << Qt::Alignment(Qt::AlignLeft);
+    QTest::newRow("word at the right")
+        << QString(60, u'm') << Qt::Alignment(Qt::AlignRight | Qt::AlignAbsolute);
+    QTest::newRow("between others") << QString(u"short "_s + QString(60, u'm') + u" short"_s)
+                                    << Qt::Alignment(Qt::AlignLeft);
+    QTest::newRow("second line") << QString(u"short\n"_s + QString(60, u'm')) << Qt::Alignment(Qt::AlignLeft);
+}
+
+/// Every letter is there: as much ink as the same letters leave in a label that is wide enough.
+void WrappingLabelTest::wordThatIsTooWideIsBroken()
+{
+    QFETCH(QString, text);
+    QFETCH(Qt::Alignment, side);
+    const auto ink = [&](int width) {
+        WrappingLabel label;
+        label.setText(text);
+        label.setAlignment(side | Qt::AlignTop);
+        label.resize(width, label.heightForWidth(width));
+        const QImage image = label.grab().toImage().convertToFormat(QImage::Format_Grayscale8);
+        const int ground = image.pixelColor(0, image.height() - 1).value();
+        qint64 sum = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                sum += std::abs(image.pixelColor(x, y).value() - ground);
+        }
+        return static_cast<double>(sum);
+    };
+    const double whole = ink(1500);
+    QVERIFY(whole > 0);
+    const double broken = ink(120);
+    QVERIFY2(std::abs(broken / whole - 1) < 0.05, qPrintable(QString::number(broken / whole)));
+}
+
+void WrappingLabelTest::wordsThatFitLookAsEver()
+{
+    const QString text = u"A frame for the camera, calm and dark."_s;
+    WrappingLabel label;
+    QLabel plain;
+    plain.setTextFormat(Qt::PlainText);
+    plain.setWordWrap(true);
+    label.setText(text);
+    plain.setText(text);
+    label.resize(120, plain.heightForWidth(120));
+    plain.resize(label.size());
+    QCOMPARE(label.heightForWidth(120), plain.heightForWidth(120));
+    QVERIFY(label.grab().toImage() == plain.grab().toImage());
 }
 
 } // namespace quillmar::test
