@@ -90,9 +90,9 @@ void SceneLayoutsTest::addOneOfEachKind(const QString &scene, QSize canvas)
     qsizetype added = 0;
     for (const Addition &addition :
          {Addition{u"Picture"_s, whole}, Addition{u"Clip"_s, whole}, Addition{u"Frame"_s, corner}}) {
-        QVERIFY2(panel().press({Product, addition.component}), qPrintable(panel().problem()));
         ++added;
-        QTRY_COMPARE_WITH_TIMEOUT(state().items(scene).size(), before + added, 20000);
+        const auto isThere = [&] { return state().items(scene).size() == before + added; };
+        QVERIFY2(panel().pressUntil({Product, addition.component}, isThere), qPrintable(panel().problem()));
         const ObsItem top = *state().topItem(scene);
         QVERIFY2(top.source.startsWith(u"Quillmar - "_s + addition.component), qPrintable(top.source));
         QCOMPARE(top.position, addition.area.topLeft());
@@ -121,8 +121,8 @@ void SceneLayoutsTest::canvas()
     addOneOfEachKind(scene, size);
 
     const QStringList before = state().scenes();
-    QVERIFY2(panel().press({Product, u"Own scene"_s}), qPrintable(panel().problem()));
-    QTRY_COMPARE_WITH_TIMEOUT(state().scenes().size(), before.size() + 1, 20000);
+    const auto isThere = [&] { return state().scenes().size() == before.size() + 1; };
+    QVERIFY2(panel().pressUntil({Product, u"Own scene"_s}, isThere), qPrintable(panel().problem()));
     QString added;
     const QStringList after = state().scenes();
     for (const QString &name : after)

@@ -197,8 +197,8 @@ void StingerTest::twoOfOneName()
     const ComponentButton twice{Product, u"Twice"_s};
     QVERIFY2(panel().run(twice), qPrintable(panel().problem()));
     checkAdded(u"Quillmar - Twice"_s);
-    QVERIFY2(panel().press(twice), qPrintable(panel().problem()));
-    QTRY_VERIFY_WITH_TIMEOUT(state().transition(u"Quillmar - Twice (2)"_s), 20000);
+    const auto isThere = [this] { return state().transition(u"Quillmar - Twice (2)"_s).has_value(); };
+    QVERIFY2(panel().pressUntil(twice, isThere), qPrintable(panel().problem()));
     QVERIFY2(panel().waitForOutcome(twice, u"Component.Added"_s), qPrintable(panel().problem()));
     checkAdded(u"Quillmar - Twice (2)"_s);
 }
@@ -222,8 +222,8 @@ void StingerTest::whileOneIsUnderWayInTheMiddle()
 void StingerTest::inStudioMode()
 {
     QVERIFY(stage().setStudioMode(true));
-    QVERIFY2(panel().press(x_), qPrintable(panel().problem()));
-    QTRY_VERIFY_WITH_TIMEOUT(state().transition(u"Quillmar - X (3)"_s), 20000);
+    const auto isThere = [this] { return state().transition(u"Quillmar - X (3)"_s).has_value(); };
+    QVERIFY2(panel().pressUntil(x_, isThere), qPrintable(panel().problem()));
     QVERIFY2(panel().waitForOutcome(x_, u"Component.Added"_s), qPrintable(panel().problem()));
     checkAdded(u"Quillmar - X (3)"_s);
     QVERIFY(stage().setStudioMode(false));

@@ -271,6 +271,11 @@ bool QuillmarPanel::press(const ComponentButton &button)
            robot_.click(buttonChoice(button), button.key + u" of "_s + button.component);
 }
 
+bool QuillmarPanel::pressUntil(const ComponentButton &button, const std::function<bool()> &effect)
+{
+    return press(button) && (waitUntil(effect, LostClick) || (press(button) && waitUntil(effect)));
+}
+
 bool QuillmarPanel::pressBoth(const ComponentButton &lower, const ComponentButton &upper)
 {
     return openComponents(lower.product) && openComponents(upper.product) &&

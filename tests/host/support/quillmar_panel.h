@@ -56,6 +56,8 @@ public:
     /// Unfolds the list of components of a product; nothing to do when it is open.
     bool openComponents(const QString &product);
     bool press(const ComponentButton &button);
+    /// Presses and waits for `effect`, where the status before and after is the same.
+    bool pressUntil(const ComponentButton &button, const std::function<bool()> &effect);
     /// Both in one breath. The upper one comes second: its status line pushes everything below it down.
     bool pressBoth(const ComponentButton &lower, const ComponentButton &upper);
     bool waitForOutcome(const ComponentButton &button, const QString &key);
