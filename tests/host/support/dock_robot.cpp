@@ -14,7 +14,7 @@ namespace
 
 constexpr int WheelStepsAtOnce = 1;
 constexpr QPoint StepAside{0, 60};
-constexpr std::chrono::milliseconds ClickEffect = 2s;
+constexpr std::chrono::milliseconds ClickEffect = 4s;
 constexpr std::chrono::milliseconds QuietTime = 400ms;
 
 bool isUsable(const Widget &widget)

@@ -29,6 +29,9 @@ struct WebcamFrame {
 class HostCatalogue
 {
 public:
+    /// How many products there are without a stage.
+    static constexpr qsizetype Products = 5;
+
     explicit HostCatalogue(const QList<WebcamFrame> &frames = {}, const QList<StageComponent> &stage = {});
 
     bool isValid() const { return valid_; }
