@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/host/driver/ambush.h"
+#include "tests/host/driver/click_counter.h"
 #include "tests/support/stall_meter.h"
 
 #include <QHash>
@@ -47,6 +48,7 @@ private:
     QHash<QString, Handler> handlers_;
     StallMeter stallMeter_;
     Ambush ambush_;
+    ClickCounter clicks_;
 };
 
 } // namespace quillmar::test
