@@ -101,7 +101,7 @@ bool Tour::lookAtDetails()
         !photograph(u"details"_s))
         return failPanel();
     for (const QString &place : {u" · 2/8 · "_s, u" · 3/8 · "_s}) {
-        if (!dialog.press(u"Gallery.Next"_s) || !dialog.waitForPicture(place))
+        if (!dialog.pressUntil(u"Gallery.Next"_s, place))
             return failPanel();
     }
     if (!photograph(u"gallery"_s) || !enlarge(dialog))

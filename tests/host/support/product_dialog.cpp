@@ -1,5 +1,7 @@
 #include "tests/host/support/product_dialog.h"
 
+#include "tests/support/processes/waiting.h"
+
 #include <algorithm>
 
 namespace quillmar::test
@@ -9,6 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace
 {
+
+constexpr std::chrono::milliseconds LostClick = std::chrono::seconds(5);
 
 const Widget *details(const WidgetTree &tree)
 {
@@ -66,6 +70,16 @@ bool ProductDialog::waitForPicture(const QString &part)
             }) && tree.findBelow(*dialog, [](const Widget &w) { return w.picture && w.visible; });
         },
         u"the picture "_s + part);
+}
+
+bool ProductDialog::pressUntil(const QString &key, const QString &part)
+{
+    const auto isShown = [&] {
+        const WidgetTree tree = panel_.robot().tree();
+        const Widget *dialog = details(tree);
+        return dialog && tree.findBelow(*dialog, [&](const Widget &w) { return w.text.contains(part); });
+    };
+    return press(key) && (waitUntil(isShown, LostClick) || press(key)) && waitForPicture(part);
 }
 
 bool ProductDialog::waitForWindows(qsizetype count)

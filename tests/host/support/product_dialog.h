@@ -24,6 +24,9 @@ public:
     /// Waits until that many windows are open: the dialog and its enlarged views.
     bool waitForWindows(qsizetype count);
 
+    /// Presses a button until waitForPicture() is met; again when a click had no effect.
+    bool pressUntil(const QString &key, const QString &part);
+
     bool isRightToLeft() const;
 
     /// Presses the download button of the card and waits until the file is saved.
