@@ -8,7 +8,7 @@ main() {
     install_packages
     name_the_developer
     make_certificates
-    mkdir -p /src /ccache
+    mkdir -p /src /ccache /opt/windows
 }
 
 install_packages() {

@@ -1,16 +1,20 @@
 #!/usr/bin/env bash
-# Makes the development root: a Debian testing with everything that scripts/packages.txt names, at ROOT.
+# Makes a root at ROOT: a Debian of its own with everything that scripts/roots/KIND names.
 #
-#   make_root.sh ROOT
+#   make_root.sh KIND ROOT
+#
+#   suite          the release of Debian
+#   packages.txt   what is installed
+#   sources.txt    source packages, if any, each with its release: downloaded to /usr/src, for what is built for another
+#                  system
 #
 # Needs no privilege and no more than a Debian has: apt resolves and downloads with a state of its own, the essential
 # packages are unpacked by hand, and from then on the root's own dpkg installs them all, in a user namespace under
 # fakeroot. The result appears under its name only when it is complete.
 set -euo pipefail
 
-readonly suite=forky
 readonly keyring=/usr/share/keyrings/debian-archive-keyring.gpg
-readonly target=$1
+readonly kind=$1 target=$2
 readonly work=$target.new
 readonly new=$work/root
 checkout=$(cd -- "${BASH_SOURCE[0]%/*}/.." && pwd)
@@ -18,6 +22,8 @@ checkout=$(cd -- "${BASH_SOURCE[0]%/*}/.." && pwd)
 . "$checkout/scripts/common.sh"
 # shellcheck source=scripts/sandbox.sh
 . "$checkout/scripts/sandbox.sh"
+readonly wanted_here=$scripts/roots/$kind
+suite=$(<"$wanted_here/suite")
 
 main() {
     require_tools
@@ -25,7 +31,7 @@ main() {
     trap 'remove_tree "$work"' EXIT
     trap 'exit 130' INT TERM HUP
     local wanted
-    mapfile -t wanted <"$scripts/packages.txt"
+    mapfile -t wanted <"$wanted_here/packages.txt"
     write_apt_configuration
     apt update
     download base '?essential' fakeroot bubblewrap
@@ -33,6 +39,7 @@ main() {
     unpack_base
     check_user_namespaces
     install_packages
+    download_sources
     mv -T -- "$new" "$target"
 }
 
@@ -67,6 +74,9 @@ write_apt_configuration() {
     mkdir -p -- "$work"/apt/{lists,archives}/partial "$new"
     : >"$work/apt/status"
     printf 'deb %s %s %s main\n' "$signed_by" "$uri" "$suite" >"$work/apt/sources.list"
+    source_suites | while read -r release; do
+        printf 'deb-src %s %s %s main\n' "$signed_by" "$uri" "$release" >>"$work/apt/sources.list"
+    done
     cat >"$work/apt/apt.conf" <<END
 #clear APT::Update::Pre-Invoke;
 #clear APT::Update::Post-Invoke;
@@ -103,6 +113,19 @@ download() { # LIST PACKAGES...
     shift
     apt install --download-only --no-install-recommends "$@"
     (cd -- "$work/apt/archives" && printf '%s\n' *.deb) >"$work/$list.list"
+}
+
+# As they are: whoever builds them unpacks them.
+download_sources() {
+    [[ -e $wanted_here/sources.txt ]] || return 0
+    local release name
+    while read -r release name; do
+        (cd -- "$new/usr/src" && apt source --download-only "$name/$release" </dev/null)
+    done <"$wanted_here/sources.txt"
+}
+
+source_suites() {
+    [[ ! -e $wanted_here/sources.txt ]] || awk '{ print $1 }' "$wanted_here/sources.txt" | sort -u
 }
 
 # Enough for the root's own dpkg to run.

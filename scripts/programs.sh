@@ -13,7 +13,7 @@ cpp_files() {
 build_preset() { # PRESET
     local preset=$1
     case $preset in
-        development | release | bench | address | thread | fuzz) ;;
+        development | release | bench | address | thread | fuzz | stable | windows) ;;
         *) fail "there is no preset '$preset': ./dev help lists them" ;;
     esac
     configured_here "$preset" || configure_preset "$preset"

@@ -36,6 +36,9 @@ device_options() {
     printf '%s\n' --symlink /proc/self/fd /dev/fd --perms 1777 --tmpfs /dev/shm
 }
 
+# What a kind of root needs besides itself.
+root_options=()
+
 in_root() { # COMMAND...
     sandbox --unshare-ipc -- "$@"
 }
@@ -51,7 +54,7 @@ sandbox() { # BUBBLEWRAP-OPTIONS... -- COMMAND...
         --ro-bind "$root" / --proc /proc "${devices[@]}" \
         --perms 1777 --tmpfs /tmp --perms 1777 --dir /tmp/.X11-unix --tmpfs /var/tmp \
         --tmpfs /run --perms 0700 --dir "$runtime" --perms 0700 --tmpfs /home/developer \
-        --bind "$checkout" /src --bind "$cache/ccache" /ccache --chdir /src \
+        --bind "$checkout" /src --bind "$cache/ccache" /ccache --chdir /src "${root_options[@]}" \
         --clearenv \
         --setenv PATH /usr/bin:/usr/sbin --setenv HOME /home/developer --setenv USER developer \
         --setenv LOGNAME developer --setenv LC_ALL C.UTF-8 --setenv TERM "${TERM:-dumb}" \
