@@ -10,6 +10,15 @@ cpp_files() {
         done
 }
 
+# Everything from here on happens in the root that a preset is for.
+enter_root_of() { # PRESET
+    case $1 in
+        stable | windows) use_root "$1" ;;
+    esac
+    ensure_root
+    [[ $1 != windows ]] || use_windows_libraries
+}
+
 build_preset() { # PRESET
     local preset=$1
     case $preset in

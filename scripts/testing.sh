@@ -10,8 +10,7 @@ command_test() { # [--preset PRESET | --root ROOT] [PATTERN]
             ;;
         --*) fail "test takes --preset development, address or thread, or --root stable, not '$1 ${2:-}'" ;;
     esac
-    [[ $preset != stable ]] || use_root stable
-    ensure_root
+    enter_root_of "$preset"
     build_preset "$preset"
     run_tests "$preset" "${1:-}"
 }

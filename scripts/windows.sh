@@ -8,9 +8,7 @@ windows_libraries() {
     printf '%s/windows-%s-%s\n' "$cache" "${root##*-}" "${sum:0:12}"
 }
 
-use_windows() {
-    use_root windows
-    ensure_root
+use_windows_libraries() {
     libraries=$(windows_libraries)
     [[ -d $libraries ]] || locked make_windows_libraries
     root_options=(--ro-bind "$libraries" /opt/windows)
@@ -25,7 +23,7 @@ make_windows_libraries() {
 }
 
 command_test_windows() { # [PATTERN]
-    use_windows
+    enter_root_of windows
     build_preset windows
     run_tests windows "${1:-}" scripts/windows/with_wine.sh
 }
