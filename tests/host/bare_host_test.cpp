@@ -18,6 +18,7 @@ private Q_SLOTS:
     void thereIsNoDock();
     void canvasIsTheOneAskedFor();
     void aNewSceneIsSeen();
+    void graphicsTakesNoEventsFromTheWindows();
     void memoryAndStallsAreMeasured();
     void quitsInOrder();
 
@@ -51,6 +52,12 @@ void BareHostTest::aNewSceneIsSeen()
     QVERIFY(state.setCurrentScene(u"صحنه دوم"_s));
     QCOMPARE(state.currentScene(), u"صحنه دوم"_s);
     QVERIFY(state.items(u"صحنه دوم"_s).isEmpty());
+}
+
+/// Clicks and keys get lost without the keeper of events; it has nothing to do once OBS leaves them alone.
+void BareHostTest::graphicsTakesNoEventsFromTheWindows()
+{
+    QTRY_VERIFY_WITH_TIMEOUT(session_->driver().ask(u"refused-polls"_s).toInt() > 0, 20000);
 }
 
 void BareHostTest::memoryAndStallsAreMeasured()

@@ -103,6 +103,7 @@ void DriverServer::addWindowHandlers()
 void DriverServer::addProcessHandlers()
 {
     handlers_[u"releases"_s] = [this](const QJsonObject &) { return clicks_.releases(); };
+    handlers_[u"refused-polls"_s] = [](const QJsonObject &) { return reportRefusedPolls(); };
     handlers_[u"pid"_s] = [](const QJsonObject &) { return reportProcessId(); };
     handlers_[u"memory"_s] = [](const QJsonObject &) { return reportMemory(); };
     handlers_[u"memory-reset"_s] = [](const QJsonObject &) { return resetPeakMemory(); };

@@ -1,7 +1,11 @@
 #include "tests/host/driver/process_report.h"
 
+#include "tests/host/driver/event_keeper.h"
+
 #include <QCoreApplication>
 #include <QFile>
+
+#include <dlfcn.h>
 
 namespace quillmar::test
 {
@@ -33,6 +37,13 @@ QJsonValue resetPeakMemory()
 {
     QFile clear(u"/proc/self/clear_refs"_s);
     return clear.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && clear.write("5") == 1;
+}
+
+QJsonValue reportRefusedPolls()
+{
+    using Count = decltype(quillmar_refused_polls);
+    auto *const count = reinterpret_cast<Count *>(dlsym(RTLD_DEFAULT, "quillmar_refused_polls"));
+    return count ? count() : -1;
 }
 
 } // namespace quillmar::test

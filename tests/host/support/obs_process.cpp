@@ -26,6 +26,7 @@ std::unique_ptr<ObsProcess> ObsProcess::start(const HostHome &home, const QProce
     QProcessEnvironment environment = desktop;
     environment.insert(u"HOME"_s, home.path());
     environment.insert(u"QUILLMAR_DRIVER_SOCKET"_s, home.driverSocket());
+    environment.insert(u"LD_PRELOAD"_s, QStringLiteral(QUILLMAR_EVENT_KEEPER));
     QFile::remove(home.driverSocket());
     const QStringList arguments{u"--multi"_s, u"--disable-shutdown-check"_s, u"--disable-updater"_s};
     if (!startChild(obs->process_, u"obs"_s, arguments, environment, home.output())) {
