@@ -101,9 +101,16 @@ bool ringIsShown(const WidgetTree &tree)
     return tree.find([](const Widget &w) { return w.kind() == "FocusRing"_L1 && w.visible; });
 }
 
-bool detailsAreOpen(const WidgetTree &tree)
+const Widget *details(const WidgetTree &tree)
 {
     return tree.find([](const Widget &w) { return w.kind() == "ProductDetails"_L1 && w.visible; });
+}
+
+/// Shown, and where keys go: until then they still go to the window below.
+bool detailsAreOpen(const WidgetTree &tree)
+{
+    const Widget *dialog = details(tree);
+    return dialog && dialog->active;
 }
 
 } // namespace
@@ -252,9 +259,8 @@ void AccessibilityTest::keysReachAndPress()
         QVERIFY(hand_->press(key));
         QVERIFY2(robot().waitFor(detailsAreOpen, u"the details"_s), qPrintable(panel().problem()));
         QVERIFY(hand_->press(u"Escape"_s));
-        QVERIFY2(
-            robot().waitFor([](const WidgetTree &tree) { return !detailsAreOpen(tree); }, u"no details"_s),
-            qPrintable(panel().problem()));
+        QVERIFY2(robot().waitFor([](const WidgetTree &tree) { return !details(tree); }, u"no details"_s),
+                 qPrintable(panel().problem()));
         QTRY_COMPARE_WITH_TIMEOUT(focusedText(), panel().text(u"Gallery.Details"_s), 20000);
     }
 }

@@ -135,6 +135,7 @@ QJsonObject describe(const QWidget &widget, int parent)
                        {u"rect"_s, rectangle(globalRect(widget, widget.rect()))},
                        {u"visible"_s, widget.isVisible()},
                        {u"enabled"_s, widget.isEnabled()},
+                       {u"active"_s, widget.isActiveWindow()},
                        {u"focus"_s, widget.hasFocus()},
                        {u"hovered"_s, widget.underMouse()},
                        {u"rightToLeft"_s, widget.layoutDirection() == Qt::RightToLeft},

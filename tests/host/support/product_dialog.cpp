@@ -2,8 +2,6 @@
 
 #include "tests/support/processes/waiting.h"
 
-#include <algorithm>
-
 namespace quillmar::test
 {
 
@@ -39,11 +37,16 @@ const Widget *buttonBelow(const WidgetTree &tree, const Widget *owner, const QSt
     });
 }
 
-qsizetype openWindows(const WidgetTree &tree)
+/// The window of the dock, the dialog, its enlarged views: each was opened from the one before.
+QList<const Widget *> openWindows(const WidgetTree &tree)
 {
-    return std::ranges::count_if(tree.all(), [](const Widget &w) {
-        return w.visible && (w.kind() == "ProductDetails"_L1 || w.kind().endsWith("Dialog"_L1));
-    });
+    QList<const Widget *> windows;
+    for (const Widget &widget : tree.all()) {
+        const bool isDialog = widget.kind() == "ProductDetails"_L1 || widget.kind().endsWith("Dialog"_L1);
+        if (widget.visible && (isDialog || windows.isEmpty()))
+            windows.append(&widget);
+    }
+    return windows;
 }
 
 } // namespace
@@ -51,8 +54,7 @@ qsizetype openWindows(const WidgetTree &tree)
 bool ProductDialog::open()
 {
     return panel_.robot().click(cardButton(u"Gallery.Details"_s), u"the details of "_s + product_) &&
-           panel_.robot().waitFor([](const WidgetTree &tree) { return details(tree) != nullptr; },
-                                  u"the dialog of "_s + product_);
+           waitForWindows(1);
 }
 
 bool ProductDialog::press(const QString &key)
@@ -84,8 +86,11 @@ bool ProductDialog::pressUntil(const QString &key, const QString &part)
 
 bool ProductDialog::waitForWindows(qsizetype count)
 {
-    return panel_.robot().waitFor([count](const WidgetTree &tree) { return openWindows(tree) == count; },
-                                  u"%1 windows"_s.arg(count));
+    const auto areOpen = [count](const WidgetTree &tree) {
+        const QList<const Widget *> windows = openWindows(tree);
+        return windows.size() == count + 1 && windows.last()->active;
+    };
+    return panel_.robot().waitFor(areOpen, u"%1 windows, keys going to the last"_s.arg(count));
 }
 
 bool ProductDialog::isRightToLeft() const

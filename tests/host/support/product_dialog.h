@@ -12,7 +12,7 @@ public:
     /// `product` is the name on the card. `panel` outlives this object.
     ProductDialog(QuillmarPanel &panel, QString product) : panel_(panel), product_(std::move(product)) {}
 
-    /// Presses the details button of the card and waits for the dialog.
+    /// Presses the details button of the card and waits for the dialog, which is then the only one.
     bool open();
 
     /// Presses the button of the dialog with the text key `key`.
@@ -21,7 +21,8 @@ public:
     /// Waits until the dialog shows a picture and a caption with `part` in it.
     bool waitForPicture(const QString &part);
 
-    /// Waits until that many windows are open: the dialog and its enlarged views.
+    /// Waits until that many windows are open, the dialog and its enlarged views, and keys go to the last: to
+    /// the dock when there is none.
     bool waitForWindows(qsizetype count);
 
     /// Presses a button until waitForPicture() is met; again when a click had no effect.

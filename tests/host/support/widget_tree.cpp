@@ -51,6 +51,7 @@ void readState(Widget &widget, const QJsonObject &report)
 {
     widget.visible = report["visible"_L1].toBool();
     widget.enabled = report["enabled"_L1].toBool();
+    widget.active = report["active"_L1].toBool();
     widget.focus = report["focus"_L1].toBool();
     widget.hovered = report["hovered"_L1].toBool();
     widget.rightToLeft = report["rightToLeft"_L1].toBool();

@@ -41,6 +41,8 @@ struct Widget {
     QSize needed;
     bool visible = false;
     bool enabled = false;
+    /// Keys go to its window.
+    bool active = false;
     bool focus = false;
     /// The pointer is over it, and it has noticed.
     bool hovered = false;
