@@ -154,16 +154,14 @@ void DockRobot::failToPoint(const Choice &choice, const QString &what)
 // Events arrive in order: a widget that has noticed the pointer has seen every turn of the wheel before, too.
 std::optional<QPoint> DockRobot::pointAt(const Choice &choice, QPoint point)
 {
-    hand_.moveTo(point);
     const auto noticed = [&] {
         const WidgetTree now = tree();
         const Widget *widget = locate(now, choice);
         return widget && widget->hovered && widget->seen.center() == point;
     };
-    if (waitUntil(noticed, ClickEffect))
-        return point;
-    // A pointer that was there before a dialog came and went must leave and come back to be noticed.
-    hand_.moveTo(point - StepAside);
+    // Qt forgets the pointer over a widget that moved or was covered, and learns of it by a move only.
+    if (hand_.pointer() == point)
+        hand_.moveTo(point - StepAside);
     hand_.moveTo(point);
     return waitUntil(noticed, ClickEffect) ? std::optional(point) : std::nullopt;
 }

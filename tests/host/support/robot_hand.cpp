@@ -27,21 +27,25 @@ QStringList clickArguments(QPoint point)
 
 bool RobotHand::click(QPoint point)
 {
+    pointer_ = point;
     return run(clickArguments(point));
 }
 
 bool RobotHand::clickBoth(QPoint first, QPoint second)
 {
+    pointer_ = second;
     return run(clickArguments(first) + clickArguments(second));
 }
 
 bool RobotHand::moveTo(QPoint point)
 {
+    pointer_ = point;
     return run(moveArguments(point));
 }
 
 bool RobotHand::wheel(QPoint point, int steps)
 {
+    pointer_ = point;
     const QString button = steps > 0 ? u"5"_s : u"4"_s;
     return run(moveArguments(point) + QStringList{u"click"_s, u"--repeat"_s, QString::number(std::abs(steps)),
                                                   u"--delay"_s, u"1"_s, button});

@@ -15,6 +15,9 @@ class RobotHand
 public:
     explicit RobotHand(QProcessEnvironment desktop) : desktop_(std::move(desktop)) {}
 
+    /// Where it has moved the pointer last.
+    QPoint pointer() const { return pointer_; }
+
     bool click(QPoint point);
     /// Both clicks in one breath, with nothing between them.
     bool clickBoth(QPoint first, QPoint second);
@@ -29,6 +32,7 @@ private:
     bool run(const QStringList &arguments);
 
     QProcessEnvironment desktop_;
+    QPoint pointer_{-1, -1};
 };
 
 } // namespace quillmar::test
