@@ -69,15 +69,15 @@ WidgetTree DockRobot::tree() const
 bool DockRobot::click(const Choice &choice, const QString &what)
 {
     const std::optional<QPoint> point = reach(choice, what);
-    return point && clickAt(*point);
-}
-
-/// Now and then a click does not arrive at any widget of OBS, most often on a busy machine.
-bool DockRobot::clickAt(QPoint point)
-{
+    if (!point)
+        return false;
     const int before = driver_.ask(u"releases"_s).toInt();
-    const auto arrived = [&] { return driver_.ask(u"releases"_s).toInt() > before; };
-    return hand_.click(point) && (waitUntil(arrived, ClickEffect) || hand_.click(point));
+    const auto arrived = [&] {
+        const QJsonValue now = driver_.ask(u"releases"_s);
+        // A click may have ended OBS.
+        return now.isUndefined() || now.toInt() > before;
+    };
+    return hand_.click(*point) && (waitUntil(arrived) || fail(u"never released: "_s + what));
 }
 
 bool DockRobot::clickBoth(const Choice &first, const Choice &second, const QString &what)

@@ -49,7 +49,6 @@ private:
     /// Brings the pointer over the widget; the point where it then is.
     std::optional<QPoint> reach(const Choice &choice, const QString &what);
     std::optional<QPoint> pointAt(const Choice &choice, QPoint point);
-    bool clickAt(QPoint point);
     bool isSettled();
     void failToPoint(const Choice &choice, const QString &what);
     bool fail(const QString &problem);

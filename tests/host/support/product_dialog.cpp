@@ -1,7 +1,5 @@
 #include "tests/host/support/product_dialog.h"
 
-#include "tests/support/processes/waiting.h"
-
 namespace quillmar::test
 {
 
@@ -9,8 +7,6 @@ using namespace Qt::StringLiterals;
 
 namespace
 {
-
-constexpr std::chrono::milliseconds LostClick = std::chrono::seconds(5);
 
 const Widget *details(const WidgetTree &tree)
 {
@@ -76,12 +72,7 @@ bool ProductDialog::waitForPicture(const QString &part)
 
 bool ProductDialog::pressUntil(const QString &key, const QString &part)
 {
-    const auto isShown = [&] {
-        const WidgetTree tree = panel_.robot().tree();
-        const Widget *dialog = details(tree);
-        return dialog && tree.findBelow(*dialog, [&](const Widget &w) { return w.text.contains(part); });
-    };
-    return press(key) && (waitUntil(isShown, LostClick) || press(key)) && waitForPicture(part);
+    return press(key) && waitForPicture(part);
 }
 
 bool ProductDialog::waitForWindows(qsizetype count)

@@ -25,7 +25,7 @@ public:
     /// the dock when there is none.
     bool waitForWindows(qsizetype count);
 
-    /// Presses a button until waitForPicture() is met; again when a click had no effect.
+    /// Presses a button that shows another picture, and waits for that one.
     bool pressUntil(const QString &key, const QString &part);
 
     bool isRightToLeft() const;

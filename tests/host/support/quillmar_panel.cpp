@@ -10,9 +10,6 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-/// After this long without an effect, a click is taken for lost and done again.
-constexpr std::chrono::milliseconds LostClick = 5s;
-
 bool isPushButton(const Widget &widget)
 {
     return widget.role == "button"_L1;
@@ -259,10 +256,7 @@ bool QuillmarPanel::openComponents(const QString &product)
     const QString what = u"the contents of "_s + product;
     if (!robot_.waitFor([&fold](const WidgetTree &tree) { return fold(tree); }, what))
         return false;
-    const auto opens = [&] { return isOpen(robot_.tree()); };
-    if (opens() || (robot_.click(fold, what) && waitUntil(opens, LostClick)))
-        return true;
-    return robot_.click(fold, what) && robot_.waitFor(isOpen, what);
+    return isOpen(robot_.tree()) || (robot_.click(fold, what) && robot_.waitFor(isOpen, what));
 }
 
 bool QuillmarPanel::press(const ComponentButton &button)
@@ -273,7 +267,7 @@ bool QuillmarPanel::press(const ComponentButton &button)
 
 bool QuillmarPanel::pressUntil(const ComponentButton &button, const std::function<bool()> &effect)
 {
-    return press(button) && (waitUntil(effect, LostClick) || (press(button) && waitUntil(effect)));
+    return press(button) && waitUntil(effect);
 }
 
 bool QuillmarPanel::pressBoth(const ComponentButton &lower, const ComponentButton &upper)
@@ -317,17 +311,7 @@ QString QuillmarPanel::outcomePath(const ComponentButton &button) const
 
 bool QuillmarPanel::run(const ComponentButton &button, const QString &key)
 {
-    const QString before = outcome(button);
-    if (!press(button))
-        return false;
-    // A click is lost when the list moves under the pointer between press and release; a person clicks again.
-    const auto isTaken = [&] {
-        const QString now = outcome(button);
-        return !now.isEmpty() && (now != before || now == key);
-    };
-    if (!waitUntil(isTaken, LostClick) && !press(button))
-        return false;
-    return waitForOutcome(button, key);
+    return press(button) && waitForOutcome(button, key);
 }
 
 DockRobot::Choice QuillmarPanel::buttonChoice(const ComponentButton &button) const
