@@ -1,19 +1,23 @@
 # Makes the two files of a release from what `cmake --install` laid out.
 #
-#   cmake -DTREE=FOLDER -DOUTPUT=FOLDER -DVERSION=X.Y.Z [-DMAKENSIS=PROGRAM] -P make_packages.cmake
+#   cmake -DTREE=FOLDER -DOUTPUT=FOLDER [-DVERSION=X.Y.Z] [-DMAKENSIS=PROGRAM] -P make_packages.cmake
 #
-# TREE holds quillmar-obs-plugin/{bin/64bit,data}. OUTPUT receives quillmar-obs-plugin-X.Y.Z-windows-x64.zip, to be unpacked
-# in %ProgramData%\obs-studio\plugins, and quillmar-obs-plugin-X.Y.Z-windows-x64-installer.exe.
+# VERSION is the project's when it is not given. TREE holds quillmar-obs-plugin/{bin/64bit,data}. OUTPUT receives
+# quillmar-obs-plugin-X.Y.Z-windows-x64.zip, to be unpacked in %ProgramData%\obs-studio\plugins, and
+# quillmar-obs-plugin-X.Y.Z-windows-x64-installer.exe.
 cmake_minimum_required(VERSION 3.25)
 
-foreach(name TREE OUTPUT VERSION)
+foreach(name TREE OUTPUT)
   if(NOT ${name})
     message(FATAL_ERROR "${name} is not set")
   endif()
-  if(NOT name STREQUAL "VERSION")
-    get_filename_component(${name} "${${name}}" ABSOLUTE)
-  endif()
+  get_filename_component(${name} "${${name}}" ABSOLUTE)
 endforeach()
+if(NOT VERSION)
+  file(READ "${CMAKE_CURRENT_LIST_DIR}/../../CMakeLists.txt" project)
+  string(REGEX MATCH "project\\([^ ]+ VERSION ([0-9.]+)" found "${project}")
+  set(VERSION "${CMAKE_MATCH_1}")
+endif()
 if(NOT MAKENSIS)
   find_program(MAKENSIS makensis REQUIRED)
 endif()
