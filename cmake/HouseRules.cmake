@@ -27,13 +27,11 @@ else()
               -Wshadow
               -Wold-style-cast
               -Woverloaded-virtual
+              # Qt's older macros for waiting in a test narrow a number of milliseconds; a newer Qt checks the same sources.
+              $<$<VERSION_GREATER_EQUAL:${Qt6_VERSION},6.9>:-Wconversion>
               -Wnon-virtual-dtor
               -Wcast-qual
               -Wformat=2)
-  # Older macros of Qt's for waiting in a test narrow a number of milliseconds; a newer Qt checks the same sources.
-  if(Qt6_VERSION VERSION_GREATER_EQUAL 6.9)
-    target_compile_options(quillmar_house_rules INTERFACE -Wconversion)
-  endif()
   if(QUILLMAR_WARNINGS_AS_ERRORS)
     target_compile_options(quillmar_house_rules INTERFACE -Werror)
   endif()
