@@ -66,6 +66,7 @@ Section
   Call RefusePlace
   Call FindPlaces
   !insertmacro EACH_FOLDER REFUSE_LINK
+  Call RefuseLinksInRecords
   Call RefuseRunningObs
   !insertmacro EACH_FILE REFUSE_FILE_IN_USE
   Call MarkRecordsOld
@@ -110,6 +111,7 @@ Section Uninstall
   Call un.FindOwnPlace
   Call un.FindPlaces
   !insertmacro EACH_FOLDER REFUSE_LINK
+  Call un.RefuseLinksInRecords
   Call un.RefuseRunningObs
   !insertmacro EACH_FILE REFUSE_FILE_IN_USE
   Call un.MarkRecordsOld

@@ -29,6 +29,19 @@
 !macroend
 
 !macro RECORDS_OF un
+  ; Folders of the previous version, which this one may not know.
+  Function ${un}RefuseLinksInRecords
+    StrCpy $1 0
+    ${Do}
+      EnumRegValue $2 HKLM "$Record\Folders" $1
+      ${If} $2 == ""
+        ${ExitDo}
+      ${EndIf}
+      !insertmacro REFUSE_LINK "$2" ""
+      IntOp $1 $1 + 1
+    ${Loop}
+  FunctionEnd
+
   Function ${un}MarkRecordsOld
     StrCpy $0 0
     ${Do}

@@ -1,4 +1,4 @@
-// A program that is there until its input ends: OBS, when it bears that name, or anybody who has a library loaded.
+// Is there until its input ends: OBS, when it bears that name, or anybody who has a library loaded.
 #include <windows.h>
 
 #include <cstdio>

@@ -7,7 +7,7 @@ from contextlib import contextmanager
 from pathlib import Path
 
 PRISTINE = Path("/opt/windows/prefix")
-DEADLINE = 120
+DEADLINE = 300
 
 
 class WineMachine:
@@ -18,6 +18,17 @@ class WineMachine:
         # One server for all calls.
         subprocess.run(["wineserver", "--persistent"], env=self.environment, check=True)
         self.drive = self.prefix / "drive_c"
+        self.before = files_below(self.drive).keys()
+        self.folders_before = folders_below(self.drive)
+
+    def forget_files(self):
+        """Removes every file and folder that was not there in the beginning. What lies in a Temp may still be in use."""
+        for name in sorted(files_below(self.drive).keys() - self.before):
+            if "/Temp/" not in name:
+                (self.drive / name).unlink()
+        for name in sorted(folders_below(self.drive) - self.folders_before, reverse=True):
+            if "/Temp/" not in name:
+                (self.drive / name).rmdir()
 
     def shut_down(self):
         subprocess.run(["wineserver", "--kill"], env=self.environment, check=False)
