@@ -154,7 +154,9 @@ private:
             package, entry, [&](QByteArrayView bytes) { written = written && file.write(bytes); });
         if (!sound)
             return invalid();
-        return written && file.commit() ? ProductFileResult::success(target) : unsaved();
+        // The other worker may have put the same there meanwhile, and may hold it right now.
+        const bool isThere = (written && file.commit()) || isHeld(package, entry, target);
+        return isThere ? ProductFileResult::success(target) : unsaved();
     }
 
     QString root_;

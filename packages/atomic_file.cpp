@@ -1,5 +1,7 @@
 #include "packages/atomic_file.h"
 
+#include "packages/path_safety.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -121,7 +123,9 @@ bool writeFileAtomically(const QString &root, const QString &target, QByteArrayV
         return false;
     if (holdsBytes(target, bytes))
         return true;
-    return file.open() && file.write(bytes) && file.commit();
+    // Another worker may have put the same there meanwhile, and may hold it right now.
+    return (file.open() && file.write(bytes) && file.commit()) ||
+           (isInsideRoot(root, target) && holdsBytes(target, bytes));
 }
 
 bool copyRangeAtomically(const QString &root, const QString &target, QFile &source, qint64 offset,
@@ -133,7 +137,8 @@ bool copyRangeAtomically(const QString &root, const QString &target, QFile &sour
     if (holdsRange(target, source, offset, length))
         return true;
     const auto write = [&file](QByteArrayView piece) { return file.write(piece); };
-    return file.open() && forEachPiece(source, offset, length, write) && file.commit();
+    return (file.open() && forEachPiece(source, offset, length, write) && file.commit()) ||
+           (isInsideRoot(root, target) && holdsRange(target, source, offset, length));
 }
 
 } // namespace quillmar

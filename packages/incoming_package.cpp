@@ -1,6 +1,7 @@
 #include "packages/incoming_package.h"
 
 #include "packages/package_cache.h"
+#include "packages/path_safety.h"
 #include "packages/product_identity.h"
 
 #include <QFile>
@@ -54,7 +55,8 @@ bool IncomingPackage::isOnDisk(const QByteArray &digest) const
            sha256Hex(file) == digest;
 }
 
-/// A package that is on disk already is good even when the disk had no room for a second copy.
+/// A package that is on disk already is good even when the disk had no room for a second copy, or when another
+/// process put it there meanwhile and does not let it be replaced right now.
 bool IncomingPackage::save(const QByteArray &digest)
 {
     if (!file_.prepareFolder()) {
@@ -62,7 +64,7 @@ bool IncomingPackage::save(const QByteArray &digest)
         return false;
     }
     if (!isOnDisk(digest))
-        return file_.commit();
+        return file_.commit() || (isInsideRoot(root_, path_) && isOnDisk(digest));
     file_.discard();
     return true;
 }

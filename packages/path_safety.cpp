@@ -9,6 +9,8 @@
 #include <algorithm>
 
 #ifdef Q_OS_WIN
+#include "packages/windows_path.h"
+
 #include <qt_windows.h>
 #endif
 
@@ -56,19 +58,10 @@ bool isSafeSegment(QStringView segment)
 }
 
 #ifdef Q_OS_WIN
-/// The long-path form, without which the query fails beyond 260 characters and a junction there would go
-/// unseen.
-QString extendedLengthPath(const QString &path)
-{
-    const QString native = QDir::toNativeSeparators(path);
-    return native.startsWith("\\\\"_L1) ? QString(u"\\\\?\\UNC"_s + native.sliced(1))
-                                        : QString(u"\\\\?\\"_s + native);
-}
-
+/// Without the long form the query fails beyond 260 characters, and a junction there would go unseen.
 bool isReparsePoint(const QString &path)
 {
-    const std::wstring native = extendedLengthPath(path).toStdWString();
-    const DWORD attributes = GetFileAttributesW(native.c_str());
+    const DWORD attributes = GetFileAttributesW(qUtf16Printable(extendedLengthPath(path)));
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
 }
 #else

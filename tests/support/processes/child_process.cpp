@@ -1,8 +1,6 @@
 #include "tests/support/processes/child_process.h"
 
-#include <csignal>
-
-#include <sys/prctl.h>
+#include "tests/support/processes/lifeline.h"
 
 namespace quillmar::test
 {
@@ -14,13 +12,13 @@ bool startChild(QProcess &process, const QString &program, const QStringList &ar
     process.setArguments(arguments);
     process.setProcessEnvironment(environment);
     process.setStandardInputFile(input);
-    process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
     if (process.readChannel() == QProcess::StandardOutput && !log.isEmpty()) {
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.setStandardOutputFile(log, QIODevice::Append);
     }
+    tieBeforeStart(process);
     process.start();
-    return process.waitForStarted();
+    return process.waitForStarted() && tieAfterStart(process);
 }
 
 void stopChild(QProcess &process, std::chrono::milliseconds deadline)

@@ -1,8 +1,9 @@
 #include "tests/support/zip_builder/archive_samples.h"
 #include "tests/unit/packages/disk_limit.h"
 #include "tests/unit/packages/extraction_folder.h"
+#include "tests/unit/packages/memory.h"
 
-#include <QFile>
+#include <QFileInfo>
 #include <QTest>
 
 #include <algorithm>
@@ -53,26 +54,11 @@ ZipItem bomb(qint64 realSize, quint32 declaredSize)
     return item;
 }
 
-qint64 statusBytes(QByteArrayView name)
-{
-    QFile status(u"/proc/self/status"_s);
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    const QByteArray all = status.readAll();
-    const qsizetype at = all.indexOf(name);
-    return all.mid(at + name.size()).trimmed().split(' ').constFirst().toLongLong() * 1024;
-}
-
-/// By how much the process grew at most, in MiB, while `work` ran.
+/// By how many MiB the process grew at most while `work` ran; negative when it cannot be told.
 qint64 growth(const std::function<void()> &work)
 {
-    QFile references(u"/proc/self/clear_refs"_s);
-    if (!references.open(QIODevice::WriteOnly) || references.write("5") != 1)
-        return -1;
-    references.close();
-    const qint64 before = statusBytes("VmRSS:");
-    work();
-    return (statusBytes("VmHWM:") - before) / kMebi;
+    const qint64 bytes = memoryGrowth(work);
+    return bytes < 0 ? bytes : bytes / kMebi;
 }
 
 /// Fills the directory up to exactly `size` bytes with remarks.

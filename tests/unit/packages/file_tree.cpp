@@ -1,10 +1,9 @@
 #include "tests/unit/packages/file_tree.h"
 
-#include <QDir>
-#include <QDirIterator>
-#include <QFile>
+#include "tests/unit/packages/links.h"
 
-#include <sys/stat.h>
+#include <QDir>
+#include <QFile>
 
 namespace quillmar::test
 {
@@ -16,11 +15,24 @@ namespace
 
 QByteArray describe(const QFileInfo &info)
 {
-    if (info.isSymLink())
+    if (isLink(info.filePath()))
         return "link to " + info.readSymLink().toUtf8();
     if (info.isDir())
         return "folder";
     return info.isFile() ? "file " + fileContent(info.filePath()) : QByteArray("special");
+}
+
+void addEntries(const QDir &folder, const QString &prefix, QMap<QString, QByteArray> &tree)
+{
+    const QFileInfoList entries =
+        folder.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    for (const QFileInfo &info : entries) {
+        const QString path = prefix + info.fileName();
+        const QByteArray described = describe(info);
+        tree.insert(path, described);
+        if (isFolder(described))
+            addEntries(QDir(info.filePath()), path + u'/', tree);
+    }
 }
 
 } // namespace
@@ -28,12 +40,7 @@ QByteArray describe(const QFileInfo &info)
 QMap<QString, QByteArray> treeBelow(const QString &top)
 {
     QMap<QString, QByteArray> tree;
-    QDirIterator walk(top, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                      QDirIterator::Subdirectories);
-    while (walk.hasNext()) {
-        const QFileInfo info = walk.nextFileInfo();
-        tree.insert(QDir(top).relativeFilePath(info.filePath()), describe(info));
-    }
+    addEntries(QDir(top), {}, tree);
     return tree;
 }
 
@@ -50,16 +57,6 @@ void putFile(const QString &path, const QByteArray &bytes)
                      file.write(bytes) == bytes.size() && file.flush();
     if (!put)
         qFatal("cannot put %s", qPrintable(path));
-}
-
-QByteArray fileStamp(const QString &path)
-{
-    struct stat status = {};
-    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
-        return {};
-    return QByteArray::number(qulonglong(status.st_ino)) + ' ' +
-           QByteArray::number(qlonglong(status.st_mtim.tv_sec)) + ' ' +
-           QByteArray::number(qlonglong(status.st_mtim.tv_nsec));
 }
 
 } // namespace quillmar::test

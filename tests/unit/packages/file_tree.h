@@ -27,7 +27,7 @@ QByteArray fileContent(const QString &path);
 /// Writes a file, with its folders, without the code under test.
 void putFile(const QString &path, const QByteArray &bytes);
 
-/// Inode and time of the last change: another value after a file was written again.
+/// Which file it is and when it was changed last: another value after it was written again.
 QByteArray fileStamp(const QString &path);
 
 } // namespace quillmar::test

@@ -3,6 +3,7 @@
 #include "packages/product_identity.h"
 #include "tests/support/zip_builder/zip_builder.h"
 #include "tests/unit/packages/file_tree.h"
+#include "tests/unit/packages/kill_points.h"
 #include "tests/unit/packages/package_fixture.h"
 
 #include <QProcess>
@@ -72,32 +73,11 @@ struct Site {
     ComponentProduct product;
 };
 
-/// Runs the program until its `count`th call of these, which kills it; true when it came to its end before.
-/// Nothing when neither was the case.
-std::optional<bool> runUntilKilled(const QStringList &command, const QString &calls, int count)
-{
-    QProcess strace;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    // A leak check cannot look into a process that is traced.
-    environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s);
-    strace.setProcessEnvironment(environment);
-    const QString fault = u"inject=%1:signal=KILL:when=%2"_s.arg(calls).arg(count);
-    strace.start(u"strace"_s, QStringList{u"-f"_s, u"-o"_s, u"/dev/null"_s, u"-e"_s, fault} + command);
-    if (!strace.waitForFinished(60'000))
-        return std::nullopt;
-    if (strace.exitStatus() == QProcess::CrashExit)
-        return false;
-    return strace.exitCode() == 0 ? std::optional(true) : std::nullopt;
-}
-
 void addCalls()
 {
     QTest::addColumn<QString>("calls");
-    QTest::newRow("opening") << u"openat,openat2"_s;
-    QTest::newRow("writing") << u"write,pwrite64,writev"_s;
-    QTest::newRow("syncing") << u"fsync,fdatasync"_s;
-    QTest::newRow("putting in place") << u"link,linkat,rename,renameat,renameat2"_s;
-    QTest::newRow("closing") << u"close"_s;
+    for (const KillPoint &point : killPoints())
+        QTest::newRow(point.name) << point.calls;
 }
 
 } // namespace
@@ -119,7 +99,8 @@ private Q_SLOTS:
 void PackageKillTest::killedWhileStoring_data()
 {
     addCalls();
-    QTest::newRow("making folders") << u"mkdir,mkdirat"_s;
+    const KillPoint folders = makingFolders();
+    QTest::newRow(folders.name) << folders.calls;
 }
 
 /// Afterwards the cache holds the package whole or does not know it, and the next try stores it.

@@ -1,5 +1,7 @@
 #include "packages/path_safety.h"
 
+#include "tests/unit/packages/links.h"
+
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
@@ -237,14 +239,16 @@ void PathSafetyTest::linkAnywhereIsRefused_data()
 {
     QTest::addColumn<QString>("link");   // below the temporary folder
     QTest::addColumn<QString>("target"); // of the link, relative to its own folder
-    QTest::newRow("the path itself") << u"up/root/a/b/file"_s << u"../real"_s;
+    QTest::newRow("the path itself") << u"up/root/a/b/file"_s << u"real"_s;
     QTest::newRow("its folder") << u"up/root/a/b"_s << u"real"_s;
     QTest::newRow("folder above it") << u"up/root/a"_s << u"real"_s;
     QTest::newRow("the root") << u"up/root"_s << u"real"_s;
     QTest::newRow("folder above the root") << u"up"_s << u"real"_s;
-    QTest::newRow("dangling") << u"up/root/a/b/file"_s << u"nowhere"_s;
-    QTest::newRow("dangling folder") << u"up/root/a"_s << u"nowhere"_s;
-    QTest::newRow("loop") << u"up/root/a"_s << u"a"_s;
+    if constexpr (LinksMayDangle) {
+        QTest::newRow("dangling") << u"up/root/a/b/file"_s << u"nowhere"_s;
+        QTest::newRow("dangling folder") << u"up/root/a"_s << u"nowhere"_s;
+        QTest::newRow("loop") << u"up/root/a"_s << u"a"_s;
+    }
 }
 
 void PathSafetyTest::linkAnywhereIsRefused()
@@ -257,7 +261,7 @@ void PathSafetyTest::linkAnywhereIsRefused()
     const QString parent = QFileInfo(linkPath).absolutePath();
     QVERIFY(QDir().mkpath(parent + u"/real"_s));
     QVERIFY(isInsideRoot(root, root + u"/a/b/file"_s));
-    QVERIFY(QFile::link(target, linkPath));
+    QVERIFY(makeLink(target, linkPath));
     QVERIFY(!isInsideRoot(root, root + u"/a/b/file"_s));
 }
 
@@ -265,7 +269,7 @@ void PathSafetyTest::rootThroughALinkedFolderIsRefused()
 {
     const QTemporaryDir folder;
     QVERIFY(QDir().mkpath(folder.filePath(u"real/root"_s)));
-    QVERIFY(QFile::link(folder.filePath(u"real"_s), folder.filePath(u"linked"_s)));
+    QVERIFY(makeLink(folder.filePath(u"real"_s), folder.filePath(u"linked"_s)));
     const QString root = folder.filePath(u"linked/root"_s);
     QVERIFY(!isInsideRoot(root, root));
     QVERIFY(isInsideRoot(folder.filePath(u"real/root"_s), folder.filePath(u"real/root/x"_s)));

@@ -6,6 +6,7 @@
 #include "service/service_reply.h"
 #include "tests/unit/packages/download_fixture.h"
 #include "tests/unit/packages/file_tree.h"
+#include "tests/unit/packages/memory.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -67,17 +68,6 @@ constexpr qint64 kMaxGrowth = 1024LL * 1024 * 1024; ///< the sanitizer keeps wha
 #else
 constexpr qint64 kMaxGrowth = 32LL * 1024 * 1024;
 #endif
-
-/// Largest resident memory of this process so far, in bytes.
-qint64 peakMemory()
-{
-    const QList<QByteArray> lines = fileContent(u"/proc/self/status"_s).split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.startsWith("VmHWM:"))
-            return line.sliced(6).trimmed().split(' ').first().toLongLong() * 1024;
-    }
-    return 0;
-}
 
 /// Keeps a connection filled with `left` more bytes, without ever holding many.
 void feed(QObject *context, const WireConnection &connection, qint64 left)
