@@ -55,8 +55,8 @@ bool IncomingPackage::isOnDisk(const QByteArray &digest) const
            sha256Hex(file) == digest;
 }
 
-/// A package that is on disk already is good even when the disk had no room for a second copy, or when another
-/// process put it there meanwhile and does not let it be replaced right now.
+/// A package that is on disk already is good even when the disk had no room for a second copy, or when
+/// another process put it there meanwhile and does not let it be replaced right now.
 bool IncomingPackage::save(const QByteArray &digest)
 {
     if (!file_.prepareFolder()) {

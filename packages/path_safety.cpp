@@ -71,6 +71,13 @@ bool isReparsePoint(const QString &)
 }
 #endif
 
+/// Above a share of another computer there is no folder any more, but Qt goes on with the current drive.
+bool isTop(const QString &path, const QString &parent)
+{
+    const bool leavesShare = path.startsWith("//"_L1) && !parent.startsWith("//"_L1);
+    return parent.isEmpty() || parent == path || leavesShare;
+}
+
 /// The walk does not stop at the package root: a root inside a linked folder is refused altogether.
 bool isFreeOfLinks(QString path)
 {
@@ -79,7 +86,7 @@ bool isFreeOfLinks(QString path)
         if (info.isSymLink() || isReparsePoint(path))
             return false;
         const QString parent = info.absolutePath();
-        if (parent.isEmpty() || parent == path)
+        if (isTop(path, parent))
             return true;
         path = parent;
     }

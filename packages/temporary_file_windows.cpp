@@ -26,7 +26,8 @@ namespace
 
 constexpr qsizetype kMostBytesAtOnce = 1 << 30;
 
-/// For how long a file that somebody holds is tried again: virus scanners and the other worker let go after a moment.
+/// For how long a file that somebody holds is tried again: virus scanners and the other worker let go after a
+/// moment.
 constexpr auto kPatience = 250ms;
 constexpr auto kPause = 10ms;
 

@@ -20,8 +20,7 @@ const IMAGE_IMPORT_DESCRIPTOR *firstLibrary(HMODULE module)
 {
     const auto *start = at<IMAGE_DOS_HEADER>(module, 0);
     const auto *headers = at<IMAGE_NT_HEADERS>(module, static_cast<DWORD>(start->e_lfanew));
-    const DWORD imports =
-        headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    const DWORD imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
     return at<IMAGE_IMPORT_DESCRIPTOR>(module, imports);
 }
 

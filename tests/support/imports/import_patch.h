@@ -11,8 +11,8 @@ namespace quillmar::test
 inline constexpr const wchar_t *QtCoreModule = L"Qt6Core.dll";
 
 /// While an instance lives, one loaded module calls another function than the one that it imports under a
-/// name. Every other module of the process goes on as before. Ends the program when the module does not import
-/// that name.
+/// name. Every other module of the process goes on as before. Ends the program when the module does not
+/// import that name.
 class ImportPatch
 {
 public:

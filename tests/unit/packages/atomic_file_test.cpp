@@ -362,7 +362,10 @@ void AtomicFileTest::pendingFileSeesALinkOfTheMeantime()
     PendingFile file(root_, target_);
     QVERIFY(file.open());
     QVERIFY(file.write("bytes"));
-    QVERIFY(QDir().rename(root_ + u"/a/b"_s, root_ + u"/a/moved"_s));
+    if (!QDir().rename(root_ + u"/a/b"_s, root_ + u"/a/moved"_s)) {
+        QVERIFY(SystemKeepsOpenFolders);
+        return;
+    }
     QVERIFY(makeLink(folder_->filePath(u"outside"_s), root_ + u"/a/b"_s));
     QVERIFY(!file.commit());
     QCOMPARE(treeBelow(folder_->filePath(u"outside"_s)).size(), 1);

@@ -19,7 +19,8 @@ namespace
 
 constexpr int kRounds = 300;
 
-/// How many of all calls failed when two threads make them at the same time. `prepare` comes before each round.
+/// How many of all calls failed when two threads make them at the same time. `prepare` comes before each
+/// round.
 int failuresOfTwo(const std::function<void()> &prepare, const std::function<bool()> &work)
 {
     std::atomic_int failures = 0;
@@ -55,8 +56,9 @@ void AtomicFileWorkersTest::newFile()
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"root/a/target"_s);
     const QByteArray bytes = noise(50'000);
-    const int failures = failuresOfTwo([&] { QFile::remove(path); },
-                                       [&] { return writeFileAtomically(folder.filePath(u"root"_s), path, bytes); });
+    const int failures =
+        failuresOfTwo([&] { QFile::remove(path); },
+                      [&] { return writeFileAtomically(folder.filePath(u"root"_s), path, bytes); });
     QCOMPARE(failures, 0);
     QCOMPARE(fileContent(path), bytes);
     QCOMPARE(treeBelow(folder.path()).size(), 3);
@@ -67,9 +69,8 @@ void AtomicFileWorkersTest::sameComponent()
     const QByteArray frame = noise(50'000);
     ExtractionFolder folder;
     folder.storePackage(zipOf({deflatedItem("pack/frame.png", frame)}));
-    const int failures =
-        failuresOfTwo([&] { QFile::remove(folder.components() + u"/pack/frame.png"_s); },
-                      [&] { return folder.extractFile(u"pack/frame.png"_s).isOk(); });
+    const int failures = failuresOfTwo([&] { QFile::remove(folder.components() + u"/pack/frame.png"_s); },
+                                       [&] { return folder.extractFile(u"pack/frame.png"_s).isOk(); });
     QCOMPARE(failures, 0);
     QCOMPARE(folder.extracted(), (QMap<QString, QByteArray>{{u"pack/frame.png"_s, frame}}));
 }

@@ -5,8 +5,8 @@
 namespace quillmar::test
 {
 
-/// While an instance lives, no file that this process writes through Qt can grow beyond `bytes`: a disk that
-/// fills up in the middle of a file, for every user alike. One at a time.
+/// While an instance lives, no file of this process can grow beyond `bytes`: a disk that fills up in the
+/// middle of a file, for every user alike. One at a time.
 class DiskLimit
 {
 public:

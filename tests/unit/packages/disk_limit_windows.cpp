@@ -15,6 +15,9 @@ namespace
 
 std::atomic<qint64> room = 0;
 
+/// The call as it was before anybody exchanged it.
+auto *const writeFile = &WriteFile;
+
 /// Where the next byte goes; everything else that can be written to, such as a pipe, has no end.
 qint64 positionIn(HANDLE file)
 {
@@ -25,30 +28,34 @@ qint64 positionIn(HANDLE file)
 }
 
 /// As much as there is room for, then nothing.
-BOOL WINAPI writeWithinLimit(HANDLE file, LPCVOID bytes, DWORD count, LPDWORD written, LPOVERLAPPED overlapped)
+BOOL WINAPI writeWithinLimit(HANDLE file, LPCVOID bytes, DWORD count, LPDWORD written,
+                             LPOVERLAPPED overlapped)
 {
     const qint64 left = std::max<qint64>(room - positionIn(file), 0);
     const auto fitting = static_cast<DWORD>(std::min<qint64>(left, count));
     if (fitting > 0 || count == 0)
-        return WriteFile(file, bytes, fitting, written, overlapped);
+        return writeFile(file, bytes, fitting, written, overlapped);
     *written = 0;
     SetLastError(ERROR_DISK_FULL);
     return FALSE;
 }
 
-std::optional<ImportPatch> patch;
+std::optional<ImportPatch> ofQt;
+std::optional<ImportPatch> ofThisProgram;
 
 } // namespace
 
 DiskLimit::DiskLimit(qint64 bytes)
 {
     room = bytes;
-    patch.emplace(QtCoreModule, "WriteFile", &writeWithinLimit);
+    ofQt.emplace(QtCoreModule, "WriteFile", &writeWithinLimit);
+    ofThisProgram.emplace(nullptr, "WriteFile", &writeWithinLimit);
 }
 
 DiskLimit::~DiskLimit()
 {
-    patch.reset();
+    ofThisProgram.reset();
+    ofQt.reset();
 }
 
 } // namespace quillmar::test

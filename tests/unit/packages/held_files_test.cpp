@@ -58,7 +58,8 @@ void addSharings()
 
 } // namespace
 
-/// Files that another process holds while they are to be read or replaced: nothing is lost, and the next try works.
+/// Files that another process holds while they are to be read or replaced: nothing is lost, and the next try
+/// works.
 class HeldFilesTest : public QObject
 {
     Q_OBJECT

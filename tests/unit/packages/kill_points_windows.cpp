@@ -14,7 +14,7 @@ QList<KillPoint> killPoints()
     return {{"opening", u"CreateFileW"_s},
             {"writing", u"WriteFile"_s},
             {"syncing", u"FlushFileBuffers"_s},
-            {"putting in place", u"MoveFileExW"_s},
+            {"putting in place", u"SetFileInformationByHandle"_s},
             {"closing", u"CloseHandle"_s}};
 }
 

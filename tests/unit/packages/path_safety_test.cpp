@@ -7,6 +7,7 @@
 #include <QTest>
 
 using namespace quillmar;
+using namespace quillmar::test;
 using namespace Qt::StringLiterals;
 
 class PathSafetyTest : public QObject

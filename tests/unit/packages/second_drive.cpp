@@ -36,7 +36,8 @@ QString wineDrive(const QString &name)
 
 } // namespace
 
-SecondDrive::SecondDrive(const QString &folder) : folder_(QDir::toNativeSeparators(folder)), name_(freeLetter())
+SecondDrive::SecondDrive(const QString &folder)
+    : folder_(QDir::toNativeSeparators(folder)), name_(freeLetter())
 {
     if (isWine())
         runUnixProgram(u"ln"_s, {u"-s"_s, unixPath(folder), wineDrive(name_)}, [this] { return exists(); });

@@ -5,8 +5,8 @@
 namespace quillmar::test
 {
 
-/// Environment variables of a program that sudden_end_windows.cpp is linked into: it dies instead of making this call
-/// of Qt's to the system for the so-many-th time.
+/// Environment variables of a program that sudden_end_windows.cpp is linked into: it dies instead of making
+/// this call to the system, itself or through Qt, for the so-many-th time.
 inline constexpr QLatin1StringView SuddenEndCall{"QUILLMAR_SUDDEN_END_CALL"};
 inline constexpr QLatin1StringView SuddenEndCount{"QUILLMAR_SUDDEN_END_COUNT"};
 

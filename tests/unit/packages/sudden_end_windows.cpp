@@ -14,7 +14,7 @@ using namespace quillmar::test;
 
 int callsLeft = 0;
 
-/// The call `function`, made by Qt as before, unless it is the last one.
+/// The call `function`, made as before, unless it is the last one.
 template <auto function>
 struct Counted;
 
@@ -32,17 +32,20 @@ struct Counted<function> {
 auto *createFile = &CreateFileW;
 auto *writeFile = &WriteFile;
 auto *flushFile = &FlushFileBuffers;
-auto *moveFile = &MoveFileExW;
+auto *renameFile = &SetFileInformationByHandle;
 auto *closeHandle = &CloseHandle;
 auto *createFolder = &CreateDirectoryW;
 
-std::optional<ImportPatch> patch;
+std::optional<ImportPatch> ofQt;
+std::optional<ImportPatch> ofThisProgram;
 
 template <auto function>
 void countCalls(const char *name)
 {
-    if (qEnvironmentVariable(SuddenEndCall.data()) == QLatin1StringView(name))
-        patch.emplace(QtCoreModule, name, &Counted<function>::call);
+    if (qEnvironmentVariable(SuddenEndCall.data()) != QLatin1StringView(name))
+        return;
+    ofQt.emplace(QtCoreModule, name, &Counted<function>::call);
+    ofThisProgram.emplace(nullptr, name, &Counted<function>::call);
 }
 
 [[maybe_unused]] const bool isSet = [] {
@@ -50,7 +53,7 @@ void countCalls(const char *name)
     countCalls<&createFile>("CreateFileW");
     countCalls<&writeFile>("WriteFile");
     countCalls<&flushFile>("FlushFileBuffers");
-    countCalls<&moveFile>("MoveFileExW");
+    countCalls<&renameFile>("SetFileInformationByHandle");
     countCalls<&closeHandle>("CloseHandle");
     countCalls<&createFolder>("CreateDirectoryW");
     return true;

@@ -33,8 +33,9 @@ class DownloadsElsewhere
 {
 public:
     explicit DownloadsElsewhere(const QString &folder)
-        : folders_(u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders"_s,
-                   QSettings::NativeFormat),
+        : folders_(
+              u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders"_s,
+              QSettings::NativeFormat),
           before_(folders_.value(downloads))
     {
         folders_.setValue(downloads, QDir::toNativeSeparators(folder));
@@ -67,6 +68,7 @@ private Q_SLOTS:
     void driveLetterInBothCases();
     void insideARootOnAnotherComputer_data();
     void insideARootOnAnotherComputer();
+    void extendedPaths_data();
     void extendedPaths();
     void longRoot_data();
     void longRoot();
@@ -112,7 +114,8 @@ void WindowsPathsTest::insideARootOnAnotherComputer_data()
     QTest::newRow("the share") << u"//server/share"_s << false;
     QTest::newRow("beside the root") << u"//server/share/Quillmar2/a"_s << false;
     QTest::newRow("above the root") << u"//server/share/Quillmar/../a"_s << false;
-    QTest::newRow("above the share") << u"//server/share/Quillmar/../../../server2/share/Quillmar/a"_s << false;
+    QTest::newRow("above the share") << u"//server/share/Quillmar/../../../server2/share/Quillmar/a"_s
+                                     << false;
     QTest::newRow("another share") << u"//server/other/Quillmar/a"_s << false;
     QTest::newRow("another computer") << u"//server2/share/Quillmar/a"_s << false;
     QTest::newRow("no computer") << u"/server/share/Quillmar/a"_s << false;
@@ -128,11 +131,20 @@ void WindowsPathsTest::insideARootOnAnotherComputer()
     QTEST(isInsideRoot(root, path), "inside");
 }
 
+void WindowsPathsTest::extendedPaths_data()
+{
+    QTest::addColumn<QString>("prefix");
+    QTest::newRow("as the system writes them") << u"\\\\?\\"_s;
+    QTest::newRow("with slashes") << u"//?/"_s;
+}
+
 /// The long forms name the same files as the short ones, and their links are seen as well.
 void WindowsPathsTest::extendedPaths()
 {
+    QFETCH(const QString, prefix);
     const QTemporaryDir folder;
-    const QString root = u"\\\\?\\"_s + QDir::toNativeSeparators(folder.filePath(u"root"_s));
+    const QString path = folder.filePath(u"root"_s);
+    const QString root = prefix + (prefix.endsWith(u'/') ? path : QDir::toNativeSeparators(path));
     QNetworkAccessManager network;
     const QString cleaned = ProductDownloads(&network, root).root();
     worksIn(cleaned);
@@ -147,7 +159,8 @@ void WindowsPathsTest::extendedPaths()
 void WindowsPathsTest::longRoot_data()
 {
     QTest::addColumn<qsizetype>("length");
-    // The cache adds 90 characters, and a temporary name some more: the borders of 248 and 260 are passed on the way.
+    // The cache adds 90 characters, and a temporary name some more: the borders of 248 and 260 are passed on
+    // the way.
     for (const qsizetype length : {150, 160, 165, 170, 240, 247, 248, 249, 255, 258, 259, 260, 261, 400, 900})
         QTest::addRow("%lld", static_cast<long long>(length)) << length;
 }
@@ -180,9 +193,9 @@ void WindowsPathsTest::longPathInAnArchive()
 void WindowsPathsTest::unsafeNamesInAnArchive_data()
 {
     QTest::addColumn<QString>("name");
-    for (const QString &name : {u"con"_s, u"NUL"_s, u"nul.png"_s, u"Aux.tar.gz"_s, u"prn"_s, u"com1"_s, u"COM9.txt"_s,
-                                u"lpt1"_s, u"file."_s, u"file..."_s, u"file "_s, u"file. "_s, u"file:stream"_s,
-                                u"file::$DATA"_s, u"C:file"_s, u"C:"_s})
+    for (const QString &name : {u"con"_s, u"NUL"_s, u"nul.png"_s, u"Aux.tar.gz"_s, u"prn"_s, u"com1"_s,
+                                u"COM9.txt"_s, u"lpt1"_s, u"file."_s, u"file..."_s, u"file "_s, u"file. "_s,
+                                u"file:stream"_s, u"file::$DATA"_s, u"C:file"_s, u"C:"_s})
         QTest::newRow(qPrintable(name)) << name;
 }
 
