@@ -15,8 +15,9 @@ namespace
 
 std::atomic<qint64> room = 0;
 
-/// The call as it was before anybody exchanged it.
-auto *const writeFile = &WriteFile;
+/// The call itself, past what this program imports.
+auto *const writeFile = reinterpret_cast<decltype(&WriteFile)>(
+    reinterpret_cast<void *>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "WriteFile")));
 
 /// Where the next byte goes; everything else that can be written to, such as a pipe, has no end.
 qint64 positionIn(HANDLE file)
