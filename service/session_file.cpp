@@ -27,6 +27,16 @@ bool makeFolder(const QString &folder)
     return QDir().mkdir(folder, OwnerOnly | QFile::ExeOwner) || QFileInfo(folder).isDir();
 }
 
+bool removeFile(const QFileInfo &info)
+{
+    QFile file(info.filePath());
+    if (file.remove()) {
+        return true;
+    }
+    // Windows removes nothing that is read-only.
+    return info.isFile() && !info.isSymLink() && file.setPermissions(OwnerOnly) && file.remove();
+}
+
 bool replaceFile(const QString &path, const QByteArray &content)
 {
     if (QFileInfo(path).isSymLink()) {
@@ -115,7 +125,7 @@ bool SessionFile::remove()
     if (!info.exists() && !info.isSymLink()) {
         return true;
     }
-    return QFile::remove(path_);
+    return removeFile(info);
 }
 
 } // namespace quillmar

@@ -45,6 +45,17 @@ struct Tunnel {
     RequestReader reader;
 };
 
+/// Playing the service takes OpenSSL, whatever else there is on this system.
+void useOpenSsl()
+{
+    const QString openSsl = QStringLiteral("openssl");
+    const bool isUsed = QSslSocket::activeBackend() == openSsl || QSslSocket::setActiveBackend(openSsl);
+    if (!isUsed || !QSslSocket::sslLibraryVersionString().startsWith(QStringLiteral("OpenSSL"))) {
+        qFatal("The test service needs OpenSSL, but this is %ls",
+               qUtf16Printable(QSslSocket::sslLibraryVersionString()));
+    }
+}
+
 QByteArray reason(int status)
 {
     return status == 200 ? QByteArrayLiteral("OK") : QByteArrayLiteral("Status");
@@ -179,6 +190,7 @@ void TlsService::Private::answer(QSslSocket *socket, const WireRequest &request)
 
 TlsService::TlsService() : d_(std::make_unique<Private>(this))
 {
+    useOpenSsl();
     d_->listen();
     d_->makeCertificates();
     d_->redirectClients();

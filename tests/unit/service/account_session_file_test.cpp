@@ -1,14 +1,12 @@
 #include "account_fixture.h"
-#include "fixed_key_protection.h"
 #include "service/session_file.h"
+#include "switched_protection.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
-
-#include <sys/stat.h>
 
 using namespace quillmar;
 using namespace quillmar::test;
@@ -22,7 +20,7 @@ struct Instance {
 
     SessionFile make(const QString &path)
     {
-        auto owned = std::make_unique<FixedKeyProtection>();
+        auto owned = std::make_unique<SwitchedProtection>();
         protection = owned.get();
         return {path, std::move(owned)};
     }
@@ -37,7 +35,7 @@ struct Instance {
         account.signIn();
     }
 
-    FixedKeyProtection *protection = nullptr;
+    SwitchedProtection *protection = nullptr;
     Session session;
     SessionFile store;
     RecordingView view;

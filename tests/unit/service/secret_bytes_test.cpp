@@ -1,54 +1,21 @@
 #include "service/secret_bytes.h"
 
+#include "given_back_arrays.h"
+
 #include <QTest>
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <vector>
 
-#include <malloc.h>
-
 using quillmar::SecretBytes;
+using quillmar::test::GivenBackArrays;
 
 namespace
 {
 
-constexpr char Marker[] = "a secret that nobody may find";
-int markersGivenBack = 0;
-
-void inspect(const void *memory)
-{
-    const QByteArrayView bytes(static_cast<const char *>(memory),
-                               static_cast<qsizetype>(::malloc_usable_size(const_cast<void *>(memory))));
-    // Its end, which is the last to be overwritten.
-    markersGivenBack += bytes.contains(QByteArrayView(Marker).last(8)) ? 1 : 0;
-}
+constexpr QByteArrayView Marker("a secret that nobody may find");
 
 } // namespace
-
-// Whatever this program gives back as an array is looked at before.
-void *operator new[](std::size_t size)
-{
-    void *memory = std::calloc(1, size == 0 ? 1 : size);
-    if (memory == nullptr) {
-        std::abort();
-    }
-    return memory;
-}
-
-void operator delete[](void *memory) noexcept
-{
-    if (memory != nullptr) {
-        inspect(memory);
-    }
-    std::free(memory);
-}
-
-void operator delete[](void *memory, std::size_t) noexcept
-{
-    operator delete[](memory);
-}
 
 class SecretBytesTest : public QObject
 {
@@ -131,17 +98,12 @@ void SecretBytesTest::isOverwrittenBeforeItIsGivenBack_data()
 void SecretBytesTest::isOverwrittenBeforeItIsGivenBack()
 {
     QFETCH(const int, way);
-    markersGivenBack = 0;
+    const GivenBackArrays arrays(Marker);
+    GivenBackArrays::giveBack(Marker);
+    QCOMPARE(arrays.count(), 1);
     {
-        const auto plain = std::make_unique<char[]>(sizeof(Marker));
-        std::copy_n(Marker, sizeof(Marker), plain.get());
-        // A copy that is read by nobody is left out by an optimising compiler.
-        asm volatile("" : : "r"(plain.get()) : "memory");
-    }
-    QCOMPARE(markersGivenBack, 1);
-    {
-        SecretBytes secret = way == 1 ? SecretBytes::fromText(QString::fromLatin1(Marker))
-                                      : SecretBytes(QByteArrayView(Marker));
+        SecretBytes secret =
+            way == 1 ? SecretBytes::fromText(QString::fromLatin1(Marker)) : SecretBytes(Marker);
         SecretBytes other(QByteArrayView("other"));
         if (way == 2) {
             other = std::move(secret);
@@ -151,7 +113,7 @@ void SecretBytesTest::isOverwrittenBeforeItIsGivenBack()
             secret.shrink(1);
         }
     }
-    QCOMPARE(markersGivenBack, 1);
+    QCOMPARE(arrays.count(), 1);
 }
 
 QTEST_GUILESS_MAIN(SecretBytesTest)

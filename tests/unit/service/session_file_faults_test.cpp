@@ -1,5 +1,5 @@
-#include "fixed_key_protection.h"
 #include "service/session_file.h"
+#include "switched_protection.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,7 +12,7 @@
 #include <sys/resource.h>
 
 using namespace quillmar;
-using quillmar::test::FixedKeyProtection;
+using quillmar::test::SwitchedProtection;
 
 namespace
 {
@@ -28,7 +28,7 @@ QString newToken()
 }
 
 struct Kept {
-    SessionFile store() const { return {path, std::make_unique<FixedKeyProtection>()}; }
+    SessionFile store() const { return {path, std::make_unique<SwitchedProtection>()}; }
 
     qsizetype files() const
     {

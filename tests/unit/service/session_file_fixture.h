@@ -1,7 +1,7 @@
 #pragma once
 
-#include "fixed_key_protection.h"
 #include "service/session_file.h"
+#include "switched_protection.h"
 
 #include <QDir>
 #include <QFile>
@@ -19,7 +19,7 @@ struct Kept {
 
     SessionFile make()
     {
-        auto owned = std::make_unique<FixedKeyProtection>();
+        auto owned = std::make_unique<SwitchedProtection>();
         protection = owned.get();
         return {path, std::move(owned)};
     }
@@ -47,7 +47,7 @@ struct Kept {
 
     QTemporaryDir folder;
     QString path;
-    FixedKeyProtection *protection = nullptr;
+    SwitchedProtection *protection = nullptr;
     SessionFile store;
 };
 

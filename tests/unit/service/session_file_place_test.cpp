@@ -123,7 +123,7 @@ void SessionFilePlaceTest::danglingLinkInItsPlace()
 void SessionFilePlaceTest::socketOrDeviceInItsPlace()
 {
     for (const char *device : {"/dev/zero", "/dev/full", "/dev/null"}) {
-        auto owned = std::make_unique<FixedKeyProtection>();
+        auto owned = std::make_unique<SwitchedProtection>();
         SessionFile store(QString::fromLatin1(device), std::move(owned));
         QCOMPARE(store.load(), QString());
         QVERIFY2(!store.save(token()), device);

@@ -1,5 +1,5 @@
-#include "fixed_key_protection.h"
 #include "service/session_file.h"
+#include "switched_protection.h"
 
 #include <QString>
 
@@ -11,7 +11,7 @@ int main(int argc, char **argv)
         return 2;
     }
     quillmar::SessionFile store(QString::fromLocal8Bit(argv[1]),
-                                std::make_unique<quillmar::test::FixedKeyProtection>());
+                                std::make_unique<quillmar::test::SwitchedProtection>());
     for (int i = 2; i < argc; ++i) {
         if (!store.save(QString::fromLocal8Bit(argv[i]))) {
             return 1;
