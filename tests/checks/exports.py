@@ -6,6 +6,7 @@
 import subprocess
 import sys
 
+from portable_executable import PortableExecutable, is_portable_executable
 from sources import report
 
 EXPECTED = {
@@ -19,10 +20,16 @@ EXPECTED = {
 }
 
 
+def exported_by(module):
+    if is_portable_executable(module):
+        return PortableExecutable(module).exports()
+    listing = subprocess.run(["nm", "-D", "--defined-only", module], check=True, capture_output=True, text=True).stdout
+    return {line.split()[-1] for line in listing.splitlines()}
+
+
 def main():
     module = sys.argv[1]
-    listing = subprocess.run(["nm", "-D", "--defined-only", module], check=True, capture_output=True, text=True).stdout
-    exported = {line.split()[-1] for line in listing.splitlines()}
+    exported = exported_by(module)
     problems = [f"{module}: {name} is not exported" for name in sorted(EXPECTED - exported)]
     problems += [f"{module}: {name} is exported" for name in sorted(exported - EXPECTED)]
     report(problems)

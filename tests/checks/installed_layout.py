@@ -11,14 +11,13 @@ from pathlib import Path
 from sources import report
 
 NAME = "quillmar-obs-plugin"
-LOCALES = ("en-US.ini", "fa-IR.ini")
+DATA = ("locale/en-US.ini", "locale/fa-IR.ini", "manifest.json")
 
 
 def expected(layout, library_folder):
     if layout == "user":
-        return {f"{NAME}/bin/64bit/{NAME}.so", *(f"{NAME}/data/locale/{locale}" for locale in LOCALES)}
-    data = f"share/obs/obs-plugins/{NAME}/locale"
-    return {f"{library_folder}/obs-plugins/{NAME}.so", *(f"{data}/{locale}" for locale in LOCALES)}
+        return {f"{NAME}/bin/64bit/{NAME}.so", *(f"{NAME}/data/{file}" for file in DATA)}
+    return {f"{library_folder}/obs-plugins/{NAME}.so", *(f"share/obs/obs-plugins/{NAME}/{file}" for file in DATA)}
 
 
 def installed(build, options):

@@ -7,7 +7,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-CHECKS = ("include_edges", "release_calls", "locale_keys", "wording")
+CHECKS = ("include_edges", "release_calls", "locale_keys", "manifest", "wording")
 
 
 def main():
