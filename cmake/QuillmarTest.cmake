@@ -13,8 +13,12 @@ function(quillmar_unit_test name)
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
+  # A Windows program is told its platform by what runs it.
+  set(environment LC_ALL=C.UTF-8)
+  if(NOT WIN32)
+    list(APPEND environment QT_QPA_PLATFORM=offscreen)
+  endif()
   set_tests_properties(
     unit.${folder}.${name}
-    PROPERTIES LABELS "unit;${arg_LABELS}" TIMEOUT ${arg_TIMEOUT} ENVIRONMENT
-               "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+    PROPERTIES LABELS "unit;${arg_LABELS}" TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${environment}")
 endfunction()

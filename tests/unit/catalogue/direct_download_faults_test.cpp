@@ -9,7 +9,6 @@
 #include <QTimer>
 
 #include <optional>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
