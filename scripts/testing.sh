@@ -18,7 +18,11 @@ command_test() { # [--preset PRESET | --root ROOT] [PATTERN]
 # The last line says how many test functions passed and failed, each row of data counted by itself.
 run_tests() { # PRESET PATTERN [COMMAND-THAT-RUNS-IT...]
     local preset=$1 pattern=$2 log=$logs/test-$1.log started=$SECONDS status=0 selection=()
-    [[ $preset == development ]] || selection=(--label-regex '^unit$')
+    case $preset in
+        development) ;;
+        windows) selection=(--label-regex '^(unit|windows|check)$') ;;
+        *) selection=(--label-regex '^unit$') ;;
+    esac
     [[ -z $pattern ]] || selection+=(--tests-regex "$pattern")
     shift 2
     printf 'testing %s ... ' "$preset" >&2

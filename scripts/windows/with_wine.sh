@@ -18,6 +18,8 @@ cp -r /opt/windows/prefix "$WINEPREFIX"
 libraries=(/opt/windows/qt/bin /opt/windows/openssl/bin "$compiler"/*-posix /usr/x86_64-w64-mingw32/lib)
 WINEPATH=$(printf 'Z:%s;' "${libraries[@]//\//\\}")
 export DISPLAY WINEPREFIX WINEPATH WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
-# One server for all programs, instead of one that starts and ends with each of them.
+# One server for all programs, instead of one that starts and ends with each of them. What Windows runs in the background
+# starts now: it stays, and would keep the output of the first test open.
 wineserver --persistent
+wineboot >/dev/null 2>&1 </dev/null
 "$@"

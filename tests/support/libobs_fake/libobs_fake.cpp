@@ -249,9 +249,6 @@ lookup_t *LibobsFake::newLookup(const char *defaultLocale, const char *locale)
 
 void LibobsFake::destroyLookup(lookup_t *lookup)
 {
-    if (lookup == nullptr) {
-        return;
-    }
     if (!lookups_.removeOne(lookup)) {
         misuse_.append(u"destroyed a text lookup that was not held"_s);
         return;

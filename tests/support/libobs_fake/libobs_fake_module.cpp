@@ -31,7 +31,10 @@ bool text_lookup_getstr(lookup_t *lookup, const char *key, const char **text)
 
 void text_lookup_destroy(lookup_t *lookup)
 {
-    LibobsFake::instance().destroyLookup(lookup);
+    // Nothing to destroy is no call that matters, even when the program ends and there is no OBS any more.
+    if (lookup != nullptr) {
+        LibobsFake::instance().destroyLookup(lookup);
+    }
 }
 
 char *obs_module_get_config_path(obs_module_t *module, const char *file)
