@@ -17,13 +17,14 @@ bool announce(const QString &path)
     QSaveFile file(path);
     const QByteArray port = QByteArray::number(QNetworkProxy::applicationProxy().port());
     const QSslCertificate authority = QSslConfiguration::defaultConfiguration().caCertificates().constFirst();
-    return file.open(QIODevice::WriteOnly) && file.write(port + '\n' + authority.toPem()) > 0 && file.commit();
+    return file.open(QIODevice::WriteOnly) && file.write(port + '\n' + authority.toPem()) > 0 &&
+           file.commit();
 }
 
 } // namespace
 
-/// windows_service FILE: plays the service until it is ended; the file appears when it can be reached and tells
-/// how.
+/// windows_service FILE: plays the service until it is ended; the file appears when it can be reached and
+/// tells how.
 int main(int argc, char *argv[])
 {
     const QGuiApplication application(argc, argv);
