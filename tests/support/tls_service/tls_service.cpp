@@ -9,6 +9,7 @@
 #include <QSslConfiguration>
 #include <QSslSocket>
 #include <QTcpServer>
+#include <QTimer>
 
 #include <algorithm>
 #include <optional>
@@ -95,6 +96,7 @@ struct TlsService::Private {
     QByteArray plainText;
     QNetworkProxy formerProxy;
     QSslConfiguration formerTls;
+    QTimer wake; ///< under Wine, which lets an event loop sleep on when something comes by a socket
 };
 
 void TlsService::Private::listen()
@@ -194,6 +196,9 @@ TlsService::TlsService() : d_(std::make_unique<Private>(this))
     d_->listen();
     d_->makeCertificates();
     d_->redirectClients();
+#ifdef Q_OS_WIN
+    d_->wake.start(20);
+#endif
 }
 
 TlsService::~TlsService()
