@@ -86,14 +86,14 @@ void AccountTest::signsInByKeyboardAlone()
         return widget ? widget->index : -1;
     };
     const WidgetTree tree = panel().robot().tree();
-    QTRY_COMPARE(focused(), userNameField(tree)->index);
+    QTRY_COMPARE_WITH_TIMEOUT(focused(), userNameField(tree)->index, 20000);
     QVERIFY(hand.type(u"demo"_s) && hand.press(u"Tab"_s));
-    QTRY_COMPARE(focused(), passwordField(tree)->index);
+    QTRY_COMPARE_WITH_TIMEOUT(focused(), passwordField(tree)->index, 20000);
     QVERIFY(hand.type(u"demo"_s) && hand.press(u"Tab"_s));
-    QTRY_COMPARE(focused(), buttonWithText(panel().text(u"Login.Button"_s))(tree)->index);
+    QTRY_COMPARE_WITH_TIMEOUT(focused(), buttonWithText(panel().text(u"Login.Button"_s))(tree)->index, 20000);
     QVERIFY(hand.press(u"space"_s));
     QVERIFY2(panel().waitForStatus(u"Status.LoginSuccess"_s), qPrintable(panel().problem()));
-    QTRY_COMPARE(panel().visibleProducts().size(), HostCatalogue::Products);
+    QTRY_COMPARE_WITH_TIMEOUT(panel().visibleProducts().size(), HostCatalogue::Products, 20000);
 }
 
 void AccountTest::messageFollowsTheLanguage()

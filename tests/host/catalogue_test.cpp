@@ -61,28 +61,28 @@ void CatalogueTest::listsEveryProductInOrder()
 void CatalogueTest::searchIgnoresCaseAndFindsDescriptions()
 {
     QVERIFY2(panel().search(u"TEST OF HOST-WEB"_s), qPrintable(panel().problem()));
-    QTRY_COMPARE(panel().visibleProducts(), QStringList(u"Host webcam"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(panel().visibleProducts(), QStringList(u"Host webcam"_s), 20000);
     QVERIFY2(panel().search(u"   "_s), qPrintable(panel().problem()));
-    QTRY_COMPARE(panel().visibleProducts(), allProducts());
+    QTRY_COMPARE_WITH_TIMEOUT(panel().visibleProducts(), allProducts(), 20000);
 }
 
 void CatalogueTest::searchWithoutAMatchSaysSo()
 {
     QVERIFY2(panel().search(u"nothing like this"_s), qPrintable(panel().problem()));
-    QTRY_VERIFY(panel().visibleProducts().isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(panel().visibleProducts().isEmpty(), 20000);
     QVERIFY(showsNoResults());
     QVERIFY2(panel().search({}), qPrintable(panel().problem()));
-    QTRY_COMPARE(panel().visibleProducts(), allProducts());
+    QTRY_COMPARE_WITH_TIMEOUT(panel().visibleProducts(), allProducts(), 20000);
     QVERIFY(!showsNoResults());
 }
 
 void CatalogueTest::categoryHidesTheOthers()
 {
     QVERIFY2(panel().chooseCategory(u"Frames"_s), qPrintable(panel().problem()));
-    QTRY_COMPARE(panel().visibleProducts(), QStringList(u"Host webcam"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(panel().visibleProducts(), QStringList(u"Host webcam"_s), 20000);
     QVERIFY2(panel().chooseCategory(panel().text(u"Products.AllCategories"_s)),
              qPrintable(panel().problem()));
-    QTRY_COMPARE(panel().visibleProducts(), allProducts());
+    QTRY_COMPARE_WITH_TIMEOUT(panel().visibleProducts(), allProducts(), 20000);
 }
 
 void CatalogueTest::persianCardsRunFromRightToLeft()

@@ -71,9 +71,9 @@ void DockTest::docksMenuShowsTheDock()
     const auto dockIsVisible = [this] { return session_->panel().robot().tree().all().first().visible; };
     for (const bool shown : {false, true}) {
         QVERIFY(hand.click(middle(menuEntry(u"Docks"_s))));
-        QTRY_VERIFY(menuEntry(u"Quillmar"_s)["open"_L1].toBool());
+        QTRY_VERIFY_WITH_TIMEOUT(menuEntry(u"Quillmar"_s)["open"_L1].toBool(), 20000);
         QVERIFY(hand.click(middle(menuEntry(u"Quillmar"_s))));
-        QTRY_COMPARE(dockIsVisible(), shown);
+        QTRY_COMPARE_WITH_TIMEOUT(dockIsVisible(), shown, 20000);
     }
 }
 

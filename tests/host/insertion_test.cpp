@@ -158,9 +158,9 @@ void InsertionTest::goesIntoTheCurrentSceneWithAPersianName()
 {
     const QString scene = u"صحنه‌های من"_s;
     QVERIFY(served_->state().createScene(scene));
-    QTRY_VERIFY(served_->state().scenes().contains(scene));
+    QTRY_VERIFY_WITH_TIMEOUT(served_->state().scenes().contains(scene), 20000);
     QVERIFY(served_->state().setCurrentScene(scene));
-    QTRY_COMPARE(served_->state().currentScene(), scene);
+    QTRY_COMPARE_WITH_TIMEOUT(served_->state().currentScene(), scene, 20000);
     QVERIFY2(panel().press({Product, u"Capital"_s}), qPrintable(panel().problem()));
     QTRY_COMPARE_WITH_TIMEOUT(served_->state().items(scene).size(), 1, 20000);
     checkItem(*served_->state().topItem(scene), u"Quillmar - Capital (2)"_s);
@@ -212,7 +212,7 @@ void InsertionTest::savedSceneCollectionHoldsThem()
             saved[source["name"_L1].toString()] = source.toObject();
         return saved.contains(u"Quillmar - Capital (2)"_s);
     };
-    QTRY_VERIFY(readSaved());
+    QTRY_VERIFY_WITH_TIMEOUT(readSaved(), 20000);
     for (const QString &name : std::as_const(inserted_))
         QVERIFY2(saved.contains(name), qPrintable(name));
     QVERIFY(QFileInfo(saved[u"Quillmar - Plain"_s]["settings"_L1]["file"_L1].toString()).isFile());
@@ -235,7 +235,7 @@ void InsertionTest::restartedObsStillShowsThem()
     QVERIFY2(served_->session().startObs(&problem), qPrintable(problem));
     for (const QString &name : std::as_const(inserted_))
         QVERIFY2(served_->state().source(name), qPrintable(name));
-    QTRY_COMPARE(served_->state().source(u"Quillmar - Plain"_s)->size, QSize(320, 180));
+    QTRY_COMPARE_WITH_TIMEOUT(served_->state().source(u"Quillmar - Plain"_s)->size, QSize(320, 180), 20000);
     QCOMPARE(served_->session().quit().code, 0);
 }
 

@@ -86,7 +86,7 @@ bool PictureTest::seeInOrder(const QStringList &colours)
 
 void PictureTest::emptySceneIsBlack()
 {
-    QTRY_VERIFY(!picture().isNull());
+    QTRY_VERIFY_WITH_TIMEOUT(!picture().isNull(), 20000);
     QCOMPARE(picture().atCentre(), u"black"_s);
 }
 
@@ -94,7 +94,7 @@ void PictureTest::emptySceneIsBlack()
 void PictureTest::overlayKeepsItsShapeInTheMiddle()
 {
     QVERIFY2(panel().run({Product, u"Square"_s}), qPrintable(panel().problem()));
-    QTRY_COMPARE(centre(), u"red"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(centre(), u"red"_s, 20000);
     const ObsPicture shown = picture();
     for (const QPoint point : {QPoint(283, 3), QPoint(996, 3), QPoint(283, 716), QPoint(996, 716)})
         QCOMPARE(shown.at(point.x(), point.y()), u"red"_s);
@@ -106,7 +106,7 @@ void PictureTest::overlayKeepsItsShapeInTheMiddle()
 void PictureTest::webcamFrameLiesInItsCorner()
 {
     QVERIFY2(panel().run({Product, u"Frame"_s}), qPrintable(panel().problem()));
-    QTRY_COMPARE(picture().at(950, 530), u"blue"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(picture().at(950, 530), u"blue"_s, 20000);
     const ObsPicture shown = picture();
     for (const QPoint point :
          {QPoint(943, 523), QPoint(1256, 523), QPoint(943, 696), QPoint(1256, 696), QPoint(1100, 530)})
@@ -130,7 +130,7 @@ void PictureTest::clipThatDoesNotLoopEnds()
     QVERIFY2(panel().press({Product, u"Once"_s}), qPrintable(panel().problem()));
     QVERIFY(seeInOrder({u"green"_s, u"yellow"_s, u"black"_s}));
     const qint64 later = state().renderedFrames() + 30;
-    QTRY_VERIFY(state().renderedFrames() >= later);
+    QTRY_VERIFY_WITH_TIMEOUT(state().renderedFrames() >= later, 20000);
     QCOMPARE(centre(), u"black"_s);
 }
 
@@ -150,7 +150,7 @@ void PictureTest::stingerCoversTheSwitchOfScenes()
     QVERIFY(stage().setTransition(u"Quillmar - Curtain"_s, 300));
     QVERIFY(state().setCurrentScene(u"Scene"_s));
     QVERIFY(seeInOrder({u"black"_s, u"magenta"_s, u"red"_s}));
-    QTRY_VERIFY(!stage().isInTransition());
+    QTRY_VERIFY_WITH_TIMEOUT(!stage().isInTransition(), 20000);
     QCOMPARE(state().currentScene(), u"Scene"_s);
     QCOMPARE(served_->session().quit().code, 0);
 }

@@ -186,7 +186,7 @@ void SceneLayoutsTest::nestedScenes()
 void SceneLayoutsTest::sceneInsideAnotherScene()
 {
     QVERIFY(state().setCurrentScene(u"Inner"_s));
-    QTRY_COMPARE(state().currentScene(), u"Inner"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(state().currentScene(), u"Inner"_s, 20000);
     const QStringList outer = sourcesOf(u"Outer"_s);
     addOneOfEachKind(u"Inner"_s, canvas_);
     QCOMPARE(sourcesOf(u"Outer"_s), outer);

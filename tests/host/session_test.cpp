@@ -162,7 +162,7 @@ void SessionTest::signingInWithoutAKeyringLastsForThisRun()
     served_->session().keyring().stop();
     QVERIFY2(panel().signIn(u"demo"_s, u"demo"_s), qPrintable(panel().problem()));
     QVERIFY2(panel().waitForStatus(u"Session.SaveFailed"_s), qPrintable(panel().problem()));
-    QTRY_COMPARE(panel().visibleProducts().size(), HostCatalogue::Products);
+    QTRY_COMPARE_WITH_TIMEOUT(panel().visibleProducts().size(), HostCatalogue::Products, 20000);
     QVERIFY(!hasFile());
     QVERIFY(quits());
     QVERIFY(served_->session().keyring().start());

@@ -141,7 +141,7 @@ void StingerTest::savedSceneCollectionHoldsIt()
         }
         return !saved.isEmpty() && collection["current_transition"_L1].toString() == Fade;
     };
-    QTRY_VERIFY(readSaved());
+    QTRY_VERIFY_WITH_TIMEOUT(readSaved(), 20000);
     QCOMPARE(saved["id"_L1].toString(), u"obs_stinger_transition"_s);
     QCOMPARE(saved["settings"_L1]["path"_L1].toString(), file_);
     QCOMPARE(saved["settings"_L1]["transition_point"_L1].toInt(), 1234);
@@ -208,13 +208,13 @@ void StingerTest::whileOneIsUnderWayInTheMiddle()
     const QString home = state().currentScene();
     QVERIFY(stage().setTransition(Fade, 20000));
     QVERIFY(state().setCurrentScene(u"Quillmar - Scene"_s));
-    QTRY_VERIFY(stage().isInTransition());
+    QTRY_VERIFY_WITH_TIMEOUT(stage().isInTransition(), 20000);
     checkRefused(u"Component.TransitionBusy"_s);
     QVERIFY(stage().isInTransition());
 
     QVERIFY(stage().setTransition(Fade, 50));
     QVERIFY(state().setCurrentScene(home));
-    QTRY_VERIFY(!stage().isInTransition());
+    QTRY_VERIFY_WITH_TIMEOUT(!stage().isInTransition(), 20000);
     QVERIFY2(panel().run(x_), qPrintable(panel().problem()));
     checkAdded(u"Quillmar - X (2)"_s);
 }
@@ -268,8 +268,8 @@ void StingerTest::dockGoneWhileTheNameDialogIsUp()
 {
     QVERIFY(stage().atDialog(u"NameDialog"_s, {{u"then"_s, u"remove-dock"_s}}));
     QVERIFY2(panel().pressUntil(x_, [this] { return stage().isSprung(); }), qPrintable(panel().problem()));
-    QTRY_VERIFY(panel().robot().tree().isEmpty());
-    QTRY_VERIFY(state().transition(u"Quillmar - X (7)"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(panel().robot().tree().isEmpty(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(state().transition(u"Quillmar - X (7)"_s), 20000);
     checkAdded(u"Quillmar - X (7)"_s);
 
     checkExit(served_->session().quit());
