@@ -25,7 +25,7 @@ constexpr int FadeMilliseconds = 300;
 /// The clip lasts 1.2 seconds and covers the picture half way; OBS adds a quarter of a second to it.
 constexpr double EarliestMiddle = 0.3;
 constexpr double LatestMiddle = 0.5;
-constexpr int Attempts = 8;
+constexpr int Attempts = 40;
 constexpr QSize Small{160, 90};
 
 bool isAsExpected(const std::optional<test::ObsSource> &transition)
