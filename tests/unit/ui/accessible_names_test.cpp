@@ -1,6 +1,7 @@
 #include "catalogue/product_details.h"
 #include "tests/support/libobs_fake/libobs_fake.h"
 #include "tests/unit/ui/dock_fixture.h"
+#include "tests/unit/ui/dock_product.h"
 
 #include <QAccessible>
 #include <QFocusFrame>
@@ -17,22 +18,7 @@ namespace quillmar::test
 namespace
 {
 
-QJsonObject product(const QString &name, bool withComponents)
-{
-    QJsonObject object{{u"product_key"_s, name},
-                       {u"product_name"_s, name},
-                       {u"description"_s, u"A frame for the camera."_s},
-                       {u"category"_s, u"Overlays"_s},
-                       {u"product_version"_s, u"1.0.0"_s}};
-    if (withComponents)
-        object.insert(u"components"_s, QJsonArray{QJsonObject{{u"component_name"_s, u"Webcam frame"_s},
-                                                              {u"asset_path"_s, u"a/b.png"_s},
-                                                              {u"auto_insert_enabled"_s, true},
-                                                              {u"insert_mode"_s, u"overlay"_s},
-                                                              {u"source_type"_s, u"image"_s},
-                                                              {u"asset_kind"_s, u"file"_s}}});
-    return object;
-}
+const DockProduct product{u"A frame for the camera."_s};
 
 struct Met {
     QAccessible::Role role;

@@ -1,5 +1,6 @@
 #include "tests/support/libobs_fake/libobs_fake.h"
 #include "tests/unit/ui/dock_fixture.h"
+#include "tests/unit/ui/dock_product.h"
 
 #include <QScrollArea>
 #include <QTest>
@@ -14,22 +15,7 @@ namespace
 
 constexpr int NarrowWidth = 300;
 
-QJsonObject product(const QString &name, bool withComponents)
-{
-    QJsonObject object{{u"product_key"_s, name},
-                       {u"product_name"_s, name},
-                       {u"description"_s, QString(300, u'd')},
-                       {u"category"_s, u"Overlays for very long evenings on the air"_s},
-                       {u"product_version"_s, u"1.0.0"_s}};
-    if (withComponents)
-        object.insert(u"components"_s, QJsonArray{QJsonObject{{u"component_name"_s, u"Webcam frame"_s},
-                                                              {u"asset_path"_s, u"a/b.png"_s},
-                                                              {u"auto_insert_enabled"_s, true},
-                                                              {u"insert_mode"_s, u"overlay"_s},
-                                                              {u"source_type"_s, u"image"_s},
-                                                              {u"asset_kind"_s, u"file"_s}}});
-    return object;
-}
+const DockProduct product{QString(300, u'd'), u"Overlays for very long evenings on the air"_s};
 
 } // namespace
 

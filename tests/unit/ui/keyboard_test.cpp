@@ -1,6 +1,7 @@
 #include "obs/component_actions.h"
 #include "tests/support/libobs_fake/libobs_fake.h"
 #include "tests/unit/ui/dock_fixture.h"
+#include "tests/unit/ui/dock_product.h"
 
 #include <QApplication>
 #include <QMainWindow>
@@ -22,22 +23,7 @@ namespace
 
 constexpr int MostStops = 200;
 
-QJsonObject product(const QString &name, bool withComponents)
-{
-    QJsonObject object{{u"product_key"_s, name},
-                       {u"product_name"_s, name},
-                       {u"description"_s, QString(230, u'd')},
-                       {u"category"_s, u"Overlays"_s},
-                       {u"product_version"_s, u"1.0.0"_s}};
-    if (withComponents)
-        object.insert(u"components"_s, QJsonArray{QJsonObject{{u"component_name"_s, u"Webcam frame"_s},
-                                                              {u"asset_path"_s, u"a/b.png"_s},
-                                                              {u"auto_insert_enabled"_s, true},
-                                                              {u"insert_mode"_s, u"overlay"_s},
-                                                              {u"source_type"_s, u"image"_s},
-                                                              {u"asset_kind"_s, u"file"_s}}});
-    return object;
-}
+const DockProduct product{QString(230, u'd')};
 
 /// The dock between two other widgets of one main window, as in OBS. What comes after it is made before the
 /// products arrive.
