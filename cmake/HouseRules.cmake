@@ -1,6 +1,7 @@
 # How this project compiles everything that it wrote itself. Link `quillmar_house_rules` privately.
+cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH quillmar_source_dir)
 add_library(quillmar_house_rules INTERFACE)
-target_include_directories(quillmar_house_rules INTERFACE "${PROJECT_SOURCE_DIR}")
+target_include_directories(quillmar_house_rules INTERFACE "${quillmar_source_dir}")
 target_compile_definitions(
   quillmar_house_rules
   INTERFACE QT_NO_CAST_FROM_ASCII
@@ -47,4 +48,4 @@ function(quillmar_library name)
 endfunction()
 
 add_library(quillmar_includes INTERFACE)
-target_include_directories(quillmar_includes INTERFACE "${PROJECT_SOURCE_DIR}")
+target_include_directories(quillmar_includes INTERFACE "${quillmar_source_dir}")

@@ -27,6 +27,7 @@ function(quillmar_install_layout layout module_folder data_folder)
   endif()
   install(TARGETS quillmar-obs-plugin LIBRARY DESTINATION "${module_folder}" COMPONENT ${layout} ${exclude})
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/data/" DESTINATION "${data_folder}" COMPONENT ${layout} ${exclude})
+  install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${data_folder}" COMPONENT ${layout} ${exclude})
   if(WIN32)
     # OBS brings neither; the module names its own folder to Qt as one with plug-ins.
     foreach(plugin tls/QSchannelBackendPlugin imageformats/QWebpPlugin)

@@ -141,7 +141,7 @@ QImage showSwatch(int number, int count)
     fill.setColorAt(0.5, QColor::fromHsv(hue, 220, 150));
     fill.setColorAt(1, QColor::fromHsv(hue + 20, 190, 30));
     painter.fillRect(image.rect(), fill);
-    style::drawText(painter, {40, 60, 560, 200}, u"%1"_s.arg(number, 2, 10, u'0'),
+    style::drawText(painter, {40, 60, 560, 200}, u"%1"_s.arg(number, 2, 10, QChar(u'0')),
                     {.pixels = 150, .weight = style::Weight::Bold, .flags = Qt::AlignCenter});
     style::drawText(painter, {40, 260, 560, 50}, u"GRADIENT %1 OF %2"_s.arg(number).arg(count),
                     {.pixels = 24, .color = style::kMint, .flags = Qt::AlignCenter, .tracked = true});

@@ -71,8 +71,8 @@ void makeGradients(Workshop &workshop)
     QJsonArray gallery;
     for (int i = 1; i <= count; ++i) {
         const QImage swatch = showSwatch(i, count);
-        workshop.addPicture(key, u"gradients/%1.jpg"_s.arg(i, 2, 10, u'0'), swatch);
-        const QString address = workshop.addPreview(u"gradient-%1.jpg"_s.arg(i, 2, 10, u'0'), swatch);
+        workshop.addPicture(key, u"gradients/%1.jpg"_s.arg(i, 2, 10, QChar(u'0')), swatch);
+        const QString address = workshop.addPreview(u"gradient-%1.jpg"_s.arg(i, 2, 10, QChar(u'0')), swatch);
         gallery.append(picture(address, u"Gradient %1"_s.arg(i)));
     }
     workshop.pack(key, u"Forty Gradients.ZIP"_s, Archiver::Python);

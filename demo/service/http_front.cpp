@@ -32,9 +32,12 @@ QHttpHeaders headersOf(const Answer &answer)
 HttpFront::HttpFront(Handler handler, QObject *parent)
     : QAbstractHttpServer(parent), handler_(std::move(handler))
 {
+    // An older Qt has no such limits; there only tests of this project are served.
+#if QT_VERSION >= QT_VERSION_CHECK(6, 10, 0)
     QHttpServerConfiguration limits;
     limits.setMaximumBodySize(64 * 1024);
     setConfiguration(limits);
+#endif
 }
 
 bool HttpFront::handleRequest(const QHttpServerRequest &request, QHttpServerResponder &responder)

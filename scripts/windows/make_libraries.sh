@@ -15,6 +15,8 @@ readonly machine=x86_64-w64-mingw32
 readonly work=/var/tmp/windows-libraries
 checkout=$(cd -- "${BASH_SOURCE[0]%/*}/../.." && pwd)
 readonly own_toolchain=$checkout/cmake/windows-toolchain.cmake
+# Or what is compiled with Qt's precompiled headers is never found in the compiler's cache.
+export CCACHE_SLOPPINESS=pch_defines,time_macros
 
 main() {
     mkdir -p "$work"

@@ -5,7 +5,9 @@
 set -uo pipefail
 
 results=$(mktemp --suffix .txt)
-QT_QPA_PLATFORM=windows wine "$@" -o "Z:${results//\//\\},txt"
+# OBS brings its own style on every system, one that is made of this. Wine keeps variables of Qt from its programs, but for
+# those that say that they are for it.
+WINEQT_STYLE_OVERRIDE=fusion wine "$@" -o "Z:${results//\//\\},txt"
 status=$?
 tr -d '\r' <"$results"
 rm -f "$results"

@@ -11,7 +11,7 @@ from pathlib import Path
 from sources import report
 
 NAME = "quillmar-obs-plugin"
-DATA = ("locale/en-US.ini", "locale/fa-IR.ini", "manifest.json")
+DATA = ("LICENSE", "locale/en-US.ini", "locale/fa-IR.ini", "manifest.json")
 
 
 def expected(layout, library_folder):

@@ -1,12 +1,10 @@
 #include "tests/unit/catalogue/picture_samples.h"
-#include "tests/windows_host/shown_dock.h"
+#include "tests/windows_host/hosted_test.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QImageReader>
 #include <QRegularExpression>
 #include <QSslSocket>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <array>
@@ -104,12 +102,8 @@ void LibraryPathsTest::folderBringsTls()
 
 int main(int argc, char *argv[])
 {
-    QApplication::setStyle(u"Fusion"_s);
-    QApplication application(argc, argv);
-    // Once the platform plug-in is loaded nothing else of Qt's own is to be found.
-    QCoreApplication::setLibraryPaths({});
-    quillmar::test::LibraryPathsTest test;
-    return QTest::qExec(&test, argc, argv);
+    return quillmar::test::runHosted(argc, argv,
+                                     [] { return std::make_unique<quillmar::test::LibraryPathsTest>(); });
 }
 
 #include "library_paths_test.moc"

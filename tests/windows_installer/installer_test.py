@@ -73,7 +73,7 @@ def below(windows_path, part):
 
 class Packages(unittest.TestCase):
     def test_tree_is_the_module_its_texts_and_two_plugins_of_qt(self):
-        texts = {f"{NAME}/data/{name}" for name in files_below(CHECKOUT / "data")}
+        texts = {f"{NAME}/data/{name}" for name in ("LICENSE", *files_below(CHECKOUT / "data"))}
         binaries = (f"{NAME}.dll", "tls/qschannelbackend.dll", "imageformats/qwebp.dll")
         self.assertEqual(set(files_below(tree)), texts | {f"{NAME}/bin/64bit/{name}" for name in binaries})
 

@@ -58,12 +58,17 @@ void put(void **place, void *function)
 
 ImportPatch::ImportPatch(const wchar_t *module, const char *name, void *function)
 {
-    const HMODULE loaded = GetModuleHandleW(module);
-    place_ = loaded != nullptr ? placeOf(loaded, name) : nullptr;
-    if (place_ == nullptr)
-        qFatal("%ls does not import %s", module, name);
+    if (!isImported(module, name))
+        qFatal("%ls does not import %s", module == nullptr ? L"This program" : module, name);
+    place_ = placeOf(GetModuleHandleW(module), name);
     original_ = *place_;
     put(place_, function);
+}
+
+bool ImportPatch::isImported(const wchar_t *module, const char *name)
+{
+    const HMODULE loaded = GetModuleHandleW(module);
+    return loaded != nullptr && placeOf(loaded, name) != nullptr;
 }
 
 ImportPatch::~ImportPatch()

@@ -23,6 +23,9 @@ public:
     {
     }
     ~ImportPatch();
+
+    /// Whether `module`, or this program where that is null, imports that name and can be patched.
+    static bool isImported(const wchar_t *module, const char *name);
     Q_DISABLE_COPY_MOVE(ImportPatch)
 
 private:

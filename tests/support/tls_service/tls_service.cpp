@@ -197,7 +197,7 @@ TlsService::TlsService() : d_(std::make_unique<Private>(this))
     d_->makeCertificates();
     d_->redirectClients();
 #ifdef Q_OS_WIN
-    d_->wake.start(20);
+    d_->wake.start(1);
 #endif
 }
 

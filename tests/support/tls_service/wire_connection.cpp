@@ -4,6 +4,8 @@
 
 #ifdef Q_OS_UNIX
 #include <sys/socket.h>
+#else
+#include <winsock2.h>
 #endif
 
 namespace quillmar::test
@@ -23,27 +25,45 @@ void resetOnClose(const QSslSocket &socket)
 #endif
 }
 
+bool isConnected(const QSslSocket *socket)
+{
+    return socket != nullptr && socket->state() == QAbstractSocket::ConnectedState;
+}
+
+/// Wine does not tell of a connection that the other side reset; asking for its next byte does.
+bool hasBeenReset(const QSslSocket &socket)
+{
+#ifdef Q_OS_WIN
+    char next = 0;
+    const auto descriptor = static_cast<SOCKET>(socket.socketDescriptor());
+    return recv(descriptor, &next, 1, MSG_PEEK) <= 0 && WSAGetLastError() != WSAEWOULDBLOCK;
+#else
+    Q_UNUSED(socket)
+    return false;
+#endif
+}
+
 } // namespace
 
 WireConnection::WireConnection(QSslSocket *socket) : socket_(socket) {}
 
 void WireConnection::send(const QByteArray &bytes)
 {
-    if (isOpen()) {
+    if (isConnected(socket_)) {
         socket_->write(bytes);
     }
 }
 
 void WireConnection::close()
 {
-    if (isOpen()) {
+    if (isConnected(socket_)) {
         socket_->disconnectFromHost();
     }
 }
 
 void WireConnection::reset()
 {
-    if (isOpen()) {
+    if (isConnected(socket_)) {
         resetOnClose(*socket_);
         socket_->abort();
     }
@@ -51,12 +71,12 @@ void WireConnection::reset()
 
 bool WireConnection::isOpen() const
 {
-    return socket_ && socket_->state() == QAbstractSocket::ConnectedState;
+    return isConnected(socket_) && !hasBeenReset(*socket_);
 }
 
 qint64 WireConnection::bytesToWrite() const
 {
-    return isOpen() ? socket_->bytesToWrite() + socket_->encryptedBytesToWrite() : 0;
+    return isConnected(socket_) ? socket_->bytesToWrite() + socket_->encryptedBytesToWrite() : 0;
 }
 
 } // namespace quillmar::test

@@ -83,6 +83,16 @@ struct DetailsFixture {
         return component;
     }
 
+    /// Two pictures of the product, and two components with one and no picture.
+    static ComponentProduct pack()
+    {
+        ComponentProduct pack = product(2);
+        pack.components = {component(QStringLiteral("Frame"), QStringLiteral("blue")),
+                           component(QStringLiteral("Scene"))};
+        pack.components.first().previews = {entry("frame", QStringLiteral("the frame"))};
+        return pack;
+    }
+
     std::unique_ptr<ProductDetails> open(const ComponentProduct &product)
     {
         auto details = std::make_unique<ProductDetails>(product, texts, nullptr, previews.get(), &card);

@@ -58,6 +58,7 @@ private:
     static void addStages();
     void reach(Stage stage);
     void letGo();
+    QStringList leftovers() const;
     void expectNothingLeftAndSuccess();
 
     std::optional<DirectDownloadFixture> f_;
@@ -120,9 +121,24 @@ void DirectDownloadLifetimeTest::letGo()
         connection.send(late_);
 }
 
+/// What downloads have left. On Windows files alone: listing a folder again and again keeps it from being
+/// removed.
+QStringList DirectDownloadLifetimeTest::leftovers() const
+{
+    QStringList paths;
+    for (const auto &[path, what] : treeBelow(f_->around()).asKeyValueRange()) {
+#ifdef Q_OS_WIN
+        if (!isFile(what))
+            continue;
+#endif
+        paths.append(path);
+    }
+    return paths;
+}
+
 void DirectDownloadLifetimeTest::expectNothingLeftAndSuccess()
 {
-    QTRY_VERIFY2(treeBelow(f_->around()).isEmpty(), "something was left behind");
+    QTRY_COMPARE(leftovers(), QStringList());
     f_->events.clear();
     DownloadRow next;
     f_->start(next);
@@ -169,7 +185,7 @@ void DirectDownloadLifetimeTest::signOutAbortsQuietly()
         reply->abort();
     QCOMPARE(f_->row->key(), u"Download.Progress"_s);
     QCOMPARE(f_->events, QStringList());
-    QTRY_VERIFY(treeBelow(f_->around()).isEmpty());
+    QTRY_COMPARE(leftovers(), QStringList());
 }
 
 void DirectDownloadLifetimeTest::unload()

@@ -3,8 +3,10 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QStandardPaths>
 #include <QTest>
 
 #include <optional>
@@ -33,7 +35,9 @@ private Q_SLOTS:
     void saved();
     void savedInPersian();
     void languageSwitchKeepsThePath();
+#ifndef Q_OS_WIN // where no path can look like rich text
     void toolTipIsNeverRich();
+#endif
     void namedAfterTheProduct();
     void secondDownloadReplacesTheFile();
     void clickingTwiceSendsOneRequest();
@@ -153,9 +157,11 @@ void DirectDownloadTest::languageSwitchKeepsThePath()
     QCOMPARE(f_->outcome(), u"Download.Success"_s);
     f_->texts.setLanguage(PersianCode);
     f_->texts.renderTranslatedText(f_->row->status);
-    QCOMPARE(f_->row->status->text(), QString(u"ذخیره شد در:\n"_s + f_->folder() + u"/Pack 1.zip"_s));
+    const QString path = QDir::toNativeSeparators(f_->folder() + u"/Pack 1.zip"_s);
+    QCOMPARE(f_->row->status->text(), QString(u"ذخیره شد در:\n"_s + path));
 }
 
+#ifndef Q_OS_WIN
 void DirectDownloadTest::toolTipIsNeverRich()
 {
     f_->serveFile(
@@ -165,6 +171,7 @@ void DirectDownloadTest::toolTipIsNeverRich()
     QVERIFY(f_->row->status->toolTip().contains(u"&lt;b&gt;bold"_s));
     QVERIFY(!f_->row->status->toolTip().contains(u"<img"_s));
 }
+#endif
 
 void DirectDownloadTest::namedAfterTheProduct()
 {
@@ -253,11 +260,15 @@ void DirectDownloadTest::userFolderIsTheDefault()
         DirectDownloads::Means{f_->network.get(), f_->texts, [] { return u"token"_s; },
                                [] { return quint64(1); }, [](LogLevel, const QString &) {}});
     const QString key = f_->outcome();
-    const QMap<QString, QByteArray> tree = treeBelow(home.path());
+    QFile file(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation) +
+               u"/Quillmar/Pack 1.zip"_s);
     qputenv("HOME", formerHome);
     qputenv("XDG_CONFIG_HOME", formerConfig);
     QCOMPARE(key, u"Download.Success"_s);
-    QCOMPARE(tree.value(u"Downloads/Quillmar/Pack 1.zip"_s), QByteArray("file " + f_->bytes));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), f_->bytes);
+    // Windows knows its users' folders by itself, so the file is not among those that go with the test.
+    QVERIFY(file.remove());
 }
 
 void DirectDownloadTest::quotaHandlerMayTakeTheCard()

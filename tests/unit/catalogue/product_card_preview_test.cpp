@@ -4,6 +4,7 @@
 #include "tests/unit/catalogue/preview_fixture.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -130,8 +131,8 @@ void ProductCardPreviewTest::pictureFollowsTheWidth()
     const auto card = this->card({u"/a"_s});
     QCOMPARE(waitForPicture(*card).size(), QSize(260, 65));
     const QLabel *label = CardView(card.get()).preview();
-    card->resize(126, 600);
-    QCOMPARE(label->pixmap().size(), QSize(100, 25));
+    card->resize(226, 600);
+    QCOMPARE(label->pixmap().size(), QSize(200, 50));
     card->resize(800, 600);
     QCOMPARE(label->pixmap().size(), QSize(260, 65));
     // Taken from what is kept each time, so it has lost nothing.
@@ -254,15 +255,19 @@ void ProductCardPreviewTest::changeOfTheScreen()
 
 int main(int argc, char *argv[])
 {
+    // The name of the file must not have a ':' in it.
     const QTemporaryDir folder;
-    QFile screens(folder.filePath(u"screens.json"_s));
-    if (!screens.open(QIODevice::WriteOnly) || screens.write(quillmar::test::Screens) < 0)
+    const QString formerFolder = QDir::currentPath();
+    QFile screens(u"screens.json"_s);
+    if (!QDir::setCurrent(folder.path()) || !screens.open(QIODevice::WriteOnly) ||
+        screens.write(quillmar::test::Screens) < 0)
         return 1;
     screens.close();
     const QByteArray platform = "offscreen:configfile=" + screens.fileName().toUtf8();
     qputenv("QT_QPA_PLATFORM", platform);
     qputenv("QT_SCREEN_SCALE_FACTORS", quillmar::test::ScaleFactors);
     QApplication application(argc, argv);
+    QDir::setCurrent(formerFolder);
     quillmar::test::ProductCardPreviewTest test;
     return QTest::qExec(&test, argc, argv);
 }

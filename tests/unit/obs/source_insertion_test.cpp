@@ -313,7 +313,7 @@ void SourceInsertionTest::suffix()
 void SourceInsertionTest::pathReachesObsAsUtf8()
 {
     InsertionFixture fixture;
-    const QString path = fixture.file(u"دانلود %1 <b> é.png"_s);
+    const QString path = fixture.file(u"دانلود %1 &amp; é.png"_s);
 
     QCOMPARE(insertComponent(insertable(u"overlay"_s, u"image"_s), path), QString());
     QCOMPARE(fixture.scene->scene->items.first()->source->settings.value(u"file"_s).toString(), path);

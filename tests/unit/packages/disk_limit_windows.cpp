@@ -50,7 +50,9 @@ DiskLimit::DiskLimit(qint64 bytes)
 {
     room = bytes;
     ofQt.emplace(QtCoreModule, "WriteFile", &writeWithinLimit);
-    ofThisProgram.emplace(nullptr, "WriteFile", &writeWithinLimit);
+    // A program that writes by way of Qt alone imports no such call itself.
+    if (ImportPatch::isImported(nullptr, "WriteFile"))
+        ofThisProgram.emplace(nullptr, "WriteFile", &writeWithinLimit);
 }
 
 DiskLimit::~DiskLimit()

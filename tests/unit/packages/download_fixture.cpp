@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-constexpr int kDeadlineMs = 30'000;
+constexpr int kDeadlineMs = 120'000;
 
 } // namespace
 

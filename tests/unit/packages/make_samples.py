@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
 """Packs with the tools that people pack with, for the tests of reading.
 
-    make_samples.py FOLDER TOOL...
+    make_samples.py FOLDER
 
     FOLDER/source      what was packed
     FOLDER/good        archives of it
     FOLDER/refused     archives that are not taken
     FOLDER/streams     texts and what zlib makes of them, by strategy
 
-Only the tools that are named are used; one that is missing is a failure.
+A tool that is missing is a failure.
 """
 
 import os
@@ -42,52 +42,36 @@ archive.writestr('pack/text.txt', 'x')
 archive.writestr('pack/text.txt', 'y')
 """
 
-# By tool: the name of the archive and the command that makes out.zip of the folder pack.
+# The name of the archive and the command that makes out.zip of the folder pack.
 GOOD = {
-    "zip": {
-        "zip": ["zip", "-qr", "out.zip", "pack"],
-        "zip, stored": ["zip", "-qr0", "out.zip", "pack"],
-        "zip, best": ["zip", "-qr9", "out.zip", "pack"],
-        "zip, without folder entries": ["zip", "-qrD", "out.zip", "pack"],
-        "zip, without extra fields": ["zip", "-qrX", "out.zip", "pack"],
-    },
-    "7z": {
-        "7z": ["7z", "a", "-tzip", "-bd", "out.zip", "pack"],
-        "7z, stored": ["7z", "a", "-tzip", "-mx0", "out.zip", "pack"],
-        "7z, ultra": ["7z", "a", "-tzip", "-mx9", "out.zip", "pack"],
-    },
-    "bsdtar": {
-        "bsdtar": ["bsdtar", "-c", "--format=zip", "-f", "out.zip", "pack"],
-        "bsdtar, stored": ["bsdtar", "-c", "--format=zip", "--options=zip:compression=store", "-f", "out.zip", "pack"],
-    },
-    "python3": {
-        "python": ["python3", "-m", "zipfile", "-c", "out.zip", "pack"],
-        "python, each level": ["python3", "-c", EACH_LEVEL],
-        "python, into a pipe": ["python3", "-c", INTO_A_PIPE],
-    },
+    "zip": ["zip", "-qr", "out.zip", "pack"],
+    "zip, stored": ["zip", "-qr0", "out.zip", "pack"],
+    "zip, best": ["zip", "-qr9", "out.zip", "pack"],
+    "zip, without folder entries": ["zip", "-qrD", "out.zip", "pack"],
+    "zip, without extra fields": ["zip", "-qrX", "out.zip", "pack"],
+    "7z": ["7z", "a", "-tzip", "-bd", "out.zip", "pack"],
+    "7z, stored": ["7z", "a", "-tzip", "-mx0", "out.zip", "pack"],
+    "7z, ultra": ["7z", "a", "-tzip", "-mx9", "out.zip", "pack"],
+    "bsdtar": ["bsdtar", "-c", "--format=zip", "-f", "out.zip", "pack"],
+    "bsdtar, stored": ["bsdtar", "-c", "--format=zip", "--options=zip:compression=store", "-f", "out.zip", "pack"],
+    "python": ["python3", "-m", "zipfile", "-c", "out.zip", "pack"],
+    "python, each level": ["python3", "-c", EACH_LEVEL],
+    "python, into a pipe": ["python3", "-c", INTO_A_PIPE],
 }
 REFUSED = {
-    "zip": {
-        "zip, encrypted": ["sh", "-c", "zip -qr -P secret out.zip pack"],
-        "zip, ZIP64 forced": ["sh", "-c", "zip -qr -fz out.zip pack"],
-        "zip, link kept": ["sh", "-c", "ln -s /etc/passwd pack/link && zip -qry out.zip pack"],
-        "zip, bzip2": ["sh", "-c", "zip -qr -Z bzip2 out.zip pack"],
-        "zip, self-extractor": [
-            "sh", "-c", "zip -qr good.zip pack && cat /bin/true good.zip > out.zip && zip -qA out.zip"],
-    },
-    "7z": {
-        "7z, LZMA": ["sh", "-c", "7z a -tzip -mm=LZMA out.zip pack"],
-        "7z, encrypted": ["sh", "-c", "7z a -tzip -psecret -mem=AES256 out.zip pack"],
-        "7z, another format": ["sh", "-c", "7z a -t7z out.zip pack"],
-    },
-    "bsdtar": {
-        "bsdtar, into a pipe": ["sh", "-c", "bsdtar -c --format=zip pack | cat > out.zip"],
-        "bsdtar, another format": ["sh", "-c", "bsdtar -c --format=ustar -f out.zip pack"],
-    },
-    "python3": {
-        "python, unsafe name": ["python3", "-c", UNSAFE_NAME],
-        "python, name twice": ["python3", "-W", "ignore", "-c", NAME_TWICE],
-    },
+    "zip, encrypted": ["sh", "-c", "zip -qr -P secret out.zip pack"],
+    "zip, ZIP64 forced": ["sh", "-c", "zip -qr -fz out.zip pack"],
+    "zip, link kept": ["sh", "-c", "ln -s /etc/passwd pack/link && zip -qry out.zip pack"],
+    "zip, bzip2": ["sh", "-c", "zip -qr -Z bzip2 out.zip pack"],
+    "zip, self-extractor": [
+        "sh", "-c", "zip -qr good.zip pack && cat /bin/true good.zip > out.zip && zip -qA out.zip"],
+    "7z, LZMA": ["sh", "-c", "7z a -tzip -mm=LZMA out.zip pack"],
+    "7z, encrypted": ["sh", "-c", "7z a -tzip -psecret -mem=AES256 out.zip pack"],
+    "7z, another format": ["sh", "-c", "7z a -t7z out.zip pack"],
+    "bsdtar, into a pipe": ["sh", "-c", "bsdtar -c --format=zip pack | cat > out.zip"],
+    "bsdtar, another format": ["sh", "-c", "bsdtar -c --format=ustar -f out.zip pack"],
+    "python, unsafe name": ["python3", "-c", UNSAFE_NAME],
+    "python, name twice": ["python3", "-W", "ignore", "-c", NAME_TWICE],
 }
 STRATEGIES = {
     "fixed codes": zlib.Z_FIXED,
@@ -156,11 +140,10 @@ def main():
     good = source_files()
     put(folder / "source", good)
     plain = {"pack/text.txt": b"some text\n" * 50}
-    for tool in sys.argv[2:]:
-        for name, command in GOOD[tool].items():
-            pack(good, command, folder / "good" / f"{name}.zip")
-        for name, command in REFUSED[tool].items():
-            pack(plain, command, folder / "refused" / f"{name}.zip")
+    for name, command in GOOD.items():
+        pack(good, command, folder / "good" / f"{name}.zip")
+    for name, command in REFUSED.items():
+        pack(plain, command, folder / "refused" / f"{name}.zip")
     compress(folder / "streams")
 
 

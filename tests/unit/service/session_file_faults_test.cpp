@@ -1,10 +1,7 @@
-#include "service/session_file.h"
-#include "switched_protection.h"
+#include "session_file_fixture.h"
+#include "two_savers.h"
 
-#include <QDir>
-#include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
@@ -12,32 +9,10 @@
 #include <sys/resource.h>
 
 using namespace quillmar;
-using quillmar::test::SwitchedProtection;
+using namespace quillmar::test;
 
 namespace
 {
-
-QString oldToken()
-{
-    return QString(3000, u'o');
-}
-
-QString newToken()
-{
-    return QString(3000, u'n');
-}
-
-struct Kept {
-    SessionFile store() const { return {path, std::make_unique<SwitchedProtection>()}; }
-
-    qsizetype files() const
-    {
-        return QDir(folder.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::Hidden).size();
-    }
-
-    QTemporaryDir folder;
-    QString path = folder.filePath(QStringLiteral("session.dpapi"));
-};
 
 /// While it lives no file of this process grows beyond `bytes`, for whichever user.
 struct FullDisk {
@@ -111,17 +86,17 @@ void SessionFileFaultsTest::fullDisk()
 {
     QFETCH(const int, room);
     Kept kept;
-    QVERIFY(kept.store().save(oldToken()));
+    QVERIFY(kept.store.save(oldToken()));
     bool saved = true;
     {
         const FullDisk disk(static_cast<rlim_t>(room));
-        saved = kept.store().save(newToken());
+        saved = kept.store.save(newToken());
     }
     QVERIFY(!saved);
-    QCOMPARE(kept.store().load(), oldToken());
-    QCOMPARE(kept.files(), 1);
-    QVERIFY(kept.store().save(newToken()));
-    QCOMPARE(kept.store().load(), newToken());
+    QCOMPARE(kept.store.load(), oldToken());
+    QCOMPARE(kept.names(), QStringList{QStringLiteral("session.dpapi")});
+    QVERIFY(kept.store.save(newToken()));
+    QCOMPARE(kept.store.load(), newToken());
 }
 
 void SessionFileFaultsTest::killedWhileSaving_data()
@@ -144,7 +119,7 @@ void SessionFileFaultsTest::killedWhileSaving()
     int kills = 0;
     bool isDone = false;
     while (!isDone && kills < 500) {
-        QVERIFY(kept.store().save(oldToken()));
+        QVERIFY(kept.store.save(oldToken()));
         const QString fault = QStringLiteral("inject=%1:signal=KILL:when=%2").arg(calls).arg(kills + 1);
         const int code =
             trace({QStringLiteral("-o"), QStringLiteral("/dev/null"), QStringLiteral("-e"), fault},
@@ -152,7 +127,7 @@ void SessionFileFaultsTest::killedWhileSaving()
         isDone = code == 0;
         QVERIFY2(isDone || code == -1, QByteArray::number(code));
         kills += isDone ? 0 : 1;
-        const QString found = kept.store().load();
+        const QString found = kept.store.load();
         QVERIFY2(isDone ? found == newToken() : (found == oldToken() || found == newToken()),
                  qPrintable(found.first(qMin(found.size(), 10))));
     }
@@ -171,13 +146,13 @@ void SessionFileFaultsTest::failingSystemCall()
 {
     QFETCH(const QString, fault);
     Kept kept;
-    QVERIFY(kept.store().save(oldToken()));
+    QVERIFY(kept.store.save(oldToken()));
     const int code = trace({QStringLiteral("-o"), QStringLiteral("/dev/null"), QStringLiteral("-e"),
                             QStringLiteral("inject=") + fault},
                            {kept.path, newToken()});
     QCOMPARE(code, 1);
-    QCOMPARE(kept.store().load(), oldToken());
-    QCOMPARE(kept.files(), 1);
+    QCOMPARE(kept.store.load(), oldToken());
+    QCOMPARE(kept.names(), QStringList{QStringLiteral("session.dpapi")});
 }
 
 void SessionFileFaultsTest::ownerAloneBeforeTheFirstByte()
@@ -199,29 +174,17 @@ void SessionFileFaultsTest::ownerAloneBeforeTheFirstByte()
 void SessionFileFaultsTest::twoProcessesAtOnce()
 {
     Kept kept;
-    QStringList first{kept.path};
-    QStringList second{kept.path};
-    for (int i = 0; i < 200; ++i) {
-        first.append(QStringLiteral("first-%1").arg(i));
-        second.append(QStringLiteral("second-%1").arg(i));
-    }
-    QProcess one;
-    QProcess two;
-    one.start(QStringLiteral(QUILLMAR_SESSION_SAVER), first);
-    two.start(QStringLiteral(QUILLMAR_SESSION_SAVER), second);
-    QVERIFY(one.waitForStarted() && two.waitForStarted());
-    while (one.state() != QProcess::NotRunning || two.state() != QProcess::NotRunning) {
-        const QString found = kept.store().load();
-        QVERIFY2(found.isEmpty() || found.startsWith(QStringLiteral("first-")) ||
-                     found.startsWith(QStringLiteral("second-")),
-                 qPrintable(found));
+    TwoSavers savers(QStringLiteral(QUILLMAR_SESSION_SAVER), kept.path);
+    QVERIFY(savers.haveStarted());
+    while (savers.areRunning()) {
+        const QString found = kept.store.load();
+        QVERIFY2(found.isEmpty() || savers.haveSaved(found), qPrintable(found));
         QCoreApplication::processEvents();
     }
-    QCOMPARE(one.exitCode(), 0);
-    QCOMPARE(two.exitCode(), 0);
-    const QString last = kept.store().load();
-    QVERIFY2(last == first.last() || last == second.last(), qPrintable(last));
-    QCOMPARE(kept.files(), 1);
+    QCOMPARE(savers.exitCode(), 0);
+    const QString last = kept.store.load();
+    QVERIFY2(savers.haveSavedAsTheLast(last), qPrintable(last));
+    QCOMPARE(kept.names(), QStringList{QStringLiteral("session.dpapi")});
 }
 
 QTEST_GUILESS_MAIN(SessionFileFaultsTest)

@@ -1,11 +1,10 @@
-#include "service/session_file.h"
-#include "switched_protection.h"
+#include "session_file_fixture.h"
 #include "tests/support/imports/wrapped_import.h"
+#include "two_savers.h"
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <qt_windows.h>
@@ -15,28 +14,6 @@ using namespace quillmar::test;
 
 namespace
 {
-
-QString oldToken()
-{
-    return QString(3000, u'o');
-}
-
-QString newToken()
-{
-    return QString(3000, u'n');
-}
-
-struct Kept {
-    SessionFile store() const { return {path, std::make_unique<SwitchedProtection>()}; }
-
-    QStringList names() const
-    {
-        return QDir(folder.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::Hidden);
-    }
-
-    QTemporaryDir folder;
-    QString path = folder.filePath(QStringLiteral("session.dpapi"));
-};
 
 /// While the result lives this process can write `room` bytes more.
 std::shared_ptr<void> fullDisk(DWORD room)
@@ -136,17 +113,17 @@ void SessionFileFaultsTest::fullDisk()
 {
     QFETCH(const unsigned, room);
     Kept kept;
-    QVERIFY(kept.store().save(oldToken()));
+    QVERIFY(kept.store.save(oldToken()));
     bool saved = true;
     {
         const std::shared_ptr<void> disk = ::fullDisk(room);
-        saved = kept.store().save(newToken());
+        saved = kept.store.save(newToken());
     }
     QVERIFY(!saved);
-    QCOMPARE(kept.store().load(), oldToken());
+    QCOMPARE(kept.store.load(), oldToken());
     QCOMPARE(kept.names(), QStringList{QStringLiteral("session.dpapi")});
-    QVERIFY(kept.store().save(newToken()));
-    QCOMPARE(kept.store().load(), newToken());
+    QVERIFY(kept.store.save(newToken()));
+    QCOMPARE(kept.store.load(), newToken());
 }
 
 void SessionFileFaultsTest::refusedRenaming_data()
@@ -160,18 +137,18 @@ void SessionFileFaultsTest::refusedRenaming()
 {
     QFETCH(const unsigned long, error);
     Kept kept;
-    QVERIFY(kept.store().save(oldToken()));
+    QVERIFY(kept.store.save(oldToken()));
     bool saved = true;
     {
         const RefusedRenaming refusal(error);
-        saved = kept.store().save(newToken());
+        saved = kept.store.save(newToken());
         QVERIFY(refusal.count() > 0);
     }
     QVERIFY(!saved);
-    QCOMPARE(kept.store().load(), oldToken());
+    QCOMPARE(kept.store.load(), oldToken());
     QCOMPARE(kept.names(), QStringList{QStringLiteral("session.dpapi")});
-    QVERIFY(kept.store().save(newToken()));
-    QCOMPARE(kept.store().load(), newToken());
+    QVERIFY(kept.store.save(newToken()));
+    QCOMPARE(kept.store.load(), newToken());
 }
 
 void SessionFileFaultsTest::killedWhileSaving_data()
@@ -192,7 +169,7 @@ void SessionFileFaultsTest::killedWhileSaving()
     int kills = 0;
     bool isDone = false;
     while (!isDone && kills < 50) {
-        QVERIFY(kept.store().save(oldToken()));
+        QVERIFY(kept.store.save(oldToken()));
         QProcess saver;
         saver.start(QStringLiteral(QUILLMAR_SESSION_SAVER_DYING),
                     {kept.path, newToken(), function, QString::number(kills + 1)});
@@ -200,7 +177,7 @@ void SessionFileFaultsTest::killedWhileSaving()
         isDone = saver.exitCode() == 0;
         QVERIFY2(isDone || saver.exitCode() == 9, QByteArray::number(saver.exitCode()));
         kills += isDone ? 0 : 1;
-        const QString found = kept.store().load();
+        const QString found = kept.store.load();
         QVERIFY2(isDone ? found == newToken() : (found == oldToken() || found == newToken()),
                  qPrintable(found.first(qMin(found.size(), 10))));
     }
@@ -221,19 +198,19 @@ void SessionFileFaultsTest::heldByAnotherProgram()
     QFETCH(const unsigned long, sharing);
     QFETCH(const QString, loaded);
     Kept kept;
-    QVERIFY(kept.store().save(oldToken()));
+    QVERIFY(kept.store.save(oldToken()));
     {
         const HeldFile held(kept.path, sharing);
         QVERIFY(held.isHeld());
-        QCOMPARE(kept.store().load(), loaded);
-        QVERIFY(!kept.store().save(newToken()));
-        QVERIFY(!kept.store().remove());
+        QCOMPARE(kept.store.load(), loaded);
+        QVERIFY(!kept.store.save(newToken()));
+        QVERIFY(!kept.store.remove());
         QCOMPARE(kept.names(), QStringList{QStringLiteral("session.dpapi")});
     }
-    QCOMPARE(kept.store().load(), oldToken());
-    QVERIFY(kept.store().save(newToken()));
-    QCOMPARE(kept.store().load(), newToken());
-    QVERIFY(kept.store().remove());
+    QCOMPARE(kept.store.load(), oldToken());
+    QVERIFY(kept.store.save(newToken()));
+    QCOMPARE(kept.store.load(), newToken());
+    QVERIFY(kept.store.remove());
     QCOMPARE(kept.names(), QStringList());
 }
 
@@ -241,28 +218,16 @@ void SessionFileFaultsTest::heldByAnotherProgram()
 void SessionFileFaultsTest::twoProcessesAtOnce()
 {
     Kept kept;
-    QStringList first{kept.path};
-    QStringList second{kept.path};
-    for (int i = 0; i < 200; ++i) {
-        first.append(QStringLiteral("first-%1").arg(i));
-        second.append(QStringLiteral("second-%1").arg(i));
-    }
-    QProcess one;
-    QProcess two;
-    one.start(QStringLiteral(QUILLMAR_SESSION_SAVER), first);
-    two.start(QStringLiteral(QUILLMAR_SESSION_SAVER), second);
-    QVERIFY(one.waitForStarted() && two.waitForStarted());
-    while (one.state() != QProcess::NotRunning || two.state() != QProcess::NotRunning) {
-        const QString found = kept.store().load();
-        QVERIFY2(found.isEmpty() || found.startsWith(QStringLiteral("first-")) ||
-                     found.startsWith(QStringLiteral("second-")),
-                 qPrintable(found));
+    TwoSavers savers(QStringLiteral(QUILLMAR_SESSION_SAVER), kept.path);
+    QVERIFY(savers.haveStarted());
+    while (savers.areRunning()) {
+        const QString found = kept.store.load();
+        QVERIFY2(found.isEmpty() || savers.haveSaved(found), qPrintable(found));
         QCoreApplication::processEvents();
     }
-    QVERIFY2(one.exitCode() <= 1 && two.exitCode() <= 1, "a save may fail, a program may not");
-    const QString last = kept.store().load();
-    QVERIFY2(last.startsWith(QStringLiteral("first-")) || last.startsWith(QStringLiteral("second-")),
-             qPrintable(last));
+    QVERIFY2(savers.exitCode() <= 1, "a save may fail, a program may not");
+    const QString last = kept.store.load();
+    QVERIFY2(savers.haveSaved(last), qPrintable(last));
     QCOMPARE(kept.names(), QStringList{QStringLiteral("session.dpapi")});
 }
 

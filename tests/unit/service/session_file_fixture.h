@@ -56,4 +56,15 @@ inline QString token()
     return QStringLiteral("t0ken");
 }
 
+/// Long enough that a disk can become full in the middle.
+inline QString oldToken()
+{
+    return QString(3000, u'o');
+}
+
+inline QString newToken()
+{
+    return QString(3000, u'n');
+}
+
 } // namespace quillmar::test

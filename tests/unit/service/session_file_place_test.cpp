@@ -24,7 +24,6 @@ class SessionFilePlaceTest : public QObject
 private Q_SLOTS:
     void unreadableFileStays();
     void readOnlyFileIsReplaced();
-    void folderInItsPlace();
     void fifoInItsPlace();
     void linkInItsPlace();
     void danglingLinkInItsPlace();
@@ -33,7 +32,6 @@ private Q_SLOTS:
     void looseModeOfAnOldFileIsTightened();
     void missingFoldersAreMadeForTheOwnerAlone();
     void existingFoldersKeepTheirMode();
-    void fileInPlaceOfTheFolder();
     void readOnlyFolder();
 };
 
@@ -58,16 +56,6 @@ void SessionFilePlaceTest::readOnlyFileIsReplaced()
     QCOMPARE(kept.store.load(), saved ? QStringLiteral("new") : token());
     QVERIFY(kept.store.remove());
     QVERIFY(!kept.exists());
-}
-
-void SessionFilePlaceTest::folderInItsPlace()
-{
-    Kept kept;
-    QVERIFY(QDir().mkpath(kept.path + QStringLiteral("/inside")));
-    QCOMPARE(kept.store.load(), QString());
-    QVERIFY(!kept.store.save(token()));
-    QVERIFY(!kept.store.remove());
-    QVERIFY(QFileInfo(kept.path + QStringLiteral("/inside")).isDir());
 }
 
 void SessionFilePlaceTest::fifoInItsPlace()
@@ -172,17 +160,6 @@ void SessionFilePlaceTest::existingFoldersKeepTheirMode()
     const QFile::Permissions before = QFile::permissions(folder);
     QVERIFY(kept.store.save(token()));
     QCOMPARE(QFile::permissions(folder), before);
-}
-
-void SessionFilePlaceTest::fileInPlaceOfTheFolder()
-{
-    Kept kept(QStringLiteral("a/session.dpapi"));
-    QFile obstacle(kept.folder.filePath(QStringLiteral("a")));
-    QVERIFY(obstacle.open(QIODevice::WriteOnly));
-    QVERIFY(!kept.store.save(token()));
-    QCOMPARE(kept.store.load(), QString());
-    QVERIFY(kept.store.remove());
-    QVERIFY(obstacle.exists());
 }
 
 /// Whoever may write everywhere succeeds; then nothing must be half done either.

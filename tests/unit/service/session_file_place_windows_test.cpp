@@ -46,13 +46,11 @@ private Q_SLOTS:
     void readOnlyFileIsReplacedAndRemoved();
     void hiddenFileIsReplacedAndRemoved();
     void damagedReadOnlyFileIsDeleted();
-    void folderInItsPlace();
     void pipeInItsPlace();
     void deviceInItsPlace_data();
     void deviceInItsPlace();
     void missingFoldersAreMade();
     void placeBeyondTheOldLimitOfPaths();
-    void fileInPlaceOfTheFolder();
 };
 
 void SessionFilePlaceTest::readOnlyFileIsReplacedAndRemoved()
@@ -87,16 +85,6 @@ void SessionFilePlaceTest::damagedReadOnlyFileIsDeleted()
     QVERIFY(SetFileAttributesW(wide(kept.path), FILE_ATTRIBUTE_READONLY));
     QCOMPARE(kept.store.load(), QString());
     QVERIFY(!kept.exists());
-}
-
-void SessionFilePlaceTest::folderInItsPlace()
-{
-    Kept kept;
-    QVERIFY(QDir().mkpath(kept.path + QStringLiteral("/inside")));
-    QCOMPARE(kept.store.load(), QString());
-    QVERIFY(!kept.store.save(token()));
-    QVERIFY(!kept.store.remove());
-    QVERIFY(QFileInfo(kept.path + QStringLiteral("/inside")).isDir());
 }
 
 void SessionFilePlaceTest::pipeInItsPlace()
@@ -146,17 +134,6 @@ void SessionFilePlaceTest::placeBeyondTheOldLimitOfPaths()
     QCOMPARE(kept.store.load(), QStringLiteral("new"));
     QVERIFY(kept.store.remove());
     QVERIFY(!QFileInfo::exists(kept.path));
-}
-
-void SessionFilePlaceTest::fileInPlaceOfTheFolder()
-{
-    Kept kept(QStringLiteral("a/session.dpapi"));
-    QFile obstacle(kept.folder.filePath(QStringLiteral("a")));
-    QVERIFY(obstacle.open(QIODevice::WriteOnly));
-    QVERIFY(!kept.store.save(token()));
-    QCOMPARE(kept.store.load(), QString());
-    QVERIFY(kept.store.remove());
-    QVERIFY(obstacle.exists());
 }
 
 QTEST_GUILESS_MAIN(SessionFilePlaceTest)

@@ -1,5 +1,6 @@
 #include "session_file_fixture.h"
 
+#include <QFileInfo>
 #include <QRandomGenerator>
 #include <QTest>
 
@@ -54,6 +55,8 @@ private Q_SLOTS:
     void removing();
     void removingWhatCannotBeRemoved();
     void neverHoldsAPartOfTheTokenInClear();
+    void folderInItsPlace();
+    void fileInPlaceOfTheFolder();
 };
 
 void SessionFileTest::keepsAToken_data()
@@ -239,6 +242,27 @@ void SessionFileTest::neverHoldsAPartOfTheTokenInClear()
             QVERIFY(!content.contains(coded.sliced(i, 6)));
         }
     }
+}
+
+void SessionFileTest::folderInItsPlace()
+{
+    Kept kept;
+    QVERIFY(QDir().mkpath(kept.path + QStringLiteral("/inside")));
+    QCOMPARE(kept.store.load(), QString());
+    QVERIFY(!kept.store.save(token()));
+    QVERIFY(!kept.store.remove());
+    QVERIFY(QFileInfo(kept.path + QStringLiteral("/inside")).isDir());
+}
+
+void SessionFileTest::fileInPlaceOfTheFolder()
+{
+    Kept kept(QStringLiteral("a/session.dpapi"));
+    QFile obstacle(kept.folder.filePath(QStringLiteral("a")));
+    QVERIFY(obstacle.open(QIODevice::WriteOnly));
+    QVERIFY(!kept.store.save(token()));
+    QCOMPARE(kept.store.load(), QString());
+    QVERIFY(kept.store.remove());
+    QVERIFY(obstacle.exists());
 }
 
 QTEST_GUILESS_MAIN(SessionFileTest)
