@@ -265,6 +265,9 @@ void DirectDownloadTest::userFolderIsTheDefault()
     qputenv("HOME", formerHome);
     qputenv("XDG_CONFIG_HOME", formerConfig);
     QCOMPARE(key, u"Download.Success"_s);
+#ifndef Q_OS_WIN
+    QCOMPARE(file.fileName(), home.filePath(u"Downloads/Quillmar/Pack 1.zip"_s));
+#endif
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), f_->bytes);
     // Windows knows its users' folders by itself, so the file is not among those that go with the test.
