@@ -4,6 +4,7 @@
 #include "obs/component_actions.h"
 #include "ui/button.h"
 #include "ui/plain_tool_tip.h"
+#include "ui/selectable_label.h"
 #include "ui/wrapping_label.h"
 
 #include <QEvent>
@@ -82,8 +83,7 @@ void ProductCard::buildLabels()
     descriptionLabel_ = new WrappingLabel(this);
     describe();
     downloadButton_ = newButton(this);
-    statusLabel_ = new WrappingLabel(this);
-    statusLabel_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    statusLabel_ = new SelectableLabel(this);
 }
 
 void ProductCard::describe()

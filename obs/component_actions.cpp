@@ -4,6 +4,7 @@
 #include "ui/announcement.h"
 #include "ui/button.h"
 #include "ui/plain_tool_tip.h"
+#include "ui/selectable_label.h"
 #include "ui/wrapping_label.h"
 
 #include <QDir>
@@ -52,11 +53,7 @@ QString buttonStyle(const ButtonColours &colours)
 
 QLabel *createStatusLabel(QWidget *parent)
 {
-    auto *label = new QLabel(parent);
-    label->setWordWrap(true);
-    label->setTextFormat(Qt::PlainText);
-    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto *label = new SelectableLabel(parent);
     label->hide();
     return label;
 }

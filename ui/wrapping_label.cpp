@@ -72,8 +72,7 @@ int WrappingLabel::heightForWidth(int width) const
 /// QLabel breaks lines between words only, and a word that is wider than the label is cut at its edge.
 bool WrappingLabel::hasWordTooWideFor(int width) const
 {
-    // Only QLabel itself can paint what is selected.
-    if (isTooLong() || (textInteractionFlags() & Qt::TextSelectableByMouse))
+    if (isTooLong())
         return false;
     const int room = width - contentsMargins().left() - contentsMargins().right() - 2 * margin();
     const QFontMetrics metrics = fontMetrics();

@@ -12,7 +12,8 @@ namespace quillmar
 ///
 /// Belongs into a layout, which asks for the height at a width; the size hints say nothing about the text,
 /// because measuring it for them is what makes long lists slow. A long tool tip is shown wrapped and bounded,
-/// while the property `toolTip`, set by setPlainToolTip(), keeps the whole text.
+/// while the property `toolTip`, set by setPlainToolTip(), keeps the whole text. The text cannot be selected;
+/// that takes a SelectableLabel.
 class WrappingLabel : public QLabel
 {
     Q_OBJECT

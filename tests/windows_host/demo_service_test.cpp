@@ -45,6 +45,7 @@ private Q_SLOTS:
 private:
     void signInToDemo();
     const QFrame *card(const QString &product) const;
+    void bringIntoView(QWidget &widget) const;
     void click(QPushButton &button) const;
 
     QTimer wake_;
@@ -70,16 +71,21 @@ const QFrame *DemoServiceTest::card(const QString &product) const
     return found == cards.cend() ? nullptr : *found;
 }
 
-/// Brings the button of a card into view first, as a user does.
-void DemoServiceTest::click(QPushButton &button) const
+/// Scrolls as a user does who wants to see all of `widget`, which is part of a card.
+void DemoServiceTest::bringIntoView(QWidget &widget) const
 {
     auto *list = dock_->panel().findChild<QScrollArea *>();
     QVERIFY(list != nullptr);
     const auto isInView = [&] {
-        list->ensureWidgetVisible(&button);
-        return button.visibleRegion().contains(button.rect().center());
+        list->ensureWidgetVisible(&widget);
+        return widget.visibleRegion().contains(widget.rect().center());
     };
     QTRY_VERIFY(isInView());
+}
+
+void DemoServiceTest::click(QPushButton &button) const
+{
+    bringIntoView(button);
     QTest::mouseClick(&button, Qt::LeftButton);
 }
 
@@ -120,12 +126,20 @@ void DemoServiceTest::puttingAComponentIntoTheScene()
     QPushButton *add = nullptr;
     QTRY_VERIFY((add = dock_->button(module_->text("Component.Add"))) != nullptr);
     click(*add);
-    const QString added = QString::fromUtf8(module_->text("Component.Added"));
-    QTRY_VERIFY_WITH_TIMEOUT(
-        std::ranges::any_of(pack->findChildren<QLabel *>(),
-                            [&](const QLabel *label) { return label->text().startsWith(added); }),
-        DeadlineMs);
-    QVERIFY(dock_->keepPicture(u"demo-added-en-US"_s));
+    const auto statusStartsWith = [&](const QByteArray &key) {
+        const QString text = QString::fromUtf8(module_->text(key));
+        const auto labels = pack->findChildren<QLabel *>();
+        const auto found =
+            std::ranges::find_if(labels, [&](const QLabel *label) { return label->text().startsWith(text); });
+        return found == labels.cend() ? nullptr : *found;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(statusStartsWith("Component.Added") != nullptr, DeadlineMs);
+    QLabel *status = statusStartsWith("Component.Added");
+    bringIntoView(*status);
+    expectReadable(u"demo-added-en-US"_s);
+    dock_->language()->setCurrentIndex(1 - dock_->language()->currentIndex());
+    bringIntoView(*status);
+    expectReadable(u"demo-added-fa-IR"_s);
     QCOMPARE(scene->scene->items.size(), 1);
     const obs_source_t *source = scene->scene->items.constFirst()->source;
     QCOMPARE(source->id, u"image_source"_s);

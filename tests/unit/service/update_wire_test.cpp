@@ -1,6 +1,7 @@
 #include "bad_replies.h"
 #include "update_fixture.h"
 
+#include <QSet>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -19,6 +20,16 @@ QByteArray padded(qsizetype size)
 QByteArray serviceTunnel()
 {
     return routes::serviceHost().toLatin1() + ":443";
+}
+
+/// What was asked for, each once. Qt may send a request again that was redirected: until its own end has come
+/// round, it takes the start of the request that follows for its own. The second answer is dropped.
+QSet<QByteArray> targets(const TlsService &service)
+{
+    QSet<QByteArray> targets;
+    for (const WireRequest &request : service.requests())
+        targets.insert(request.target);
+    return targets;
 }
 
 /// The answer with a length of its own, or one that ends with the connection.
@@ -53,7 +64,7 @@ private Q_SLOTS:
     void redirectWithinTheOriginIsFollowed();
     void redirectElsewhereIsNotFollowed_data();
     void redirectElsewhereIsNotFollowed();
-    void redirectInACircleEnds();
+    void endlessRedirectsAreGivenUp();
     void checkerDiesDuringTheRequest();
     void parentDiesDuringTheRequest();
     void checkerDiesBeforeItsStart();
@@ -251,9 +262,11 @@ void UpdateWireTest::redirectWithinTheOriginIsFollowed()
     f.checker->start();
     QTRY_VERIFY(!f.isAsking());
     QCOMPARE(f.results.size(), 1);
-    QCOMPARE(f.service.requests().size(), 2);
-    QVERIFY(!f.service.requests().constLast().hasHeader("cookie"));
-    QVERIFY(!f.service.requests().constLast().hasHeader("authorization"));
+    QCOMPARE(targets(f.service), (QSet<QByteArray>{"/wp-json/quillmar/v1/plugin-version", "/elsewhere"}));
+    for (const WireRequest &request : f.service.requests()) {
+        QVERIFY(!request.hasHeader("cookie"));
+        QVERIFY(!request.hasHeader("authorization"));
+    }
 }
 
 void UpdateWireTest::redirectElsewhereIsNotFollowed_data()
@@ -288,14 +301,18 @@ void UpdateWireTest::redirectElsewhereIsNotFollowed()
     QVERIFY(f.log.first().startsWith(u"Update check unavailable (HTTP 302, network error "_s));
 }
 
-void UpdateWireTest::redirectInACircleEnds()
+void UpdateWireTest::endlessRedirectsAreGivenUp()
 {
     UpdateFixture f;
-    f.answer(TlsService::response(302, {}, "text/html", {{"Location", "plugin-version"}}));
+    f.service.handleRoute("plugin-version", [](const WireRequest &request, WireConnection &connection) {
+        const int round = request.target.sliced(request.target.indexOf('=') + 1).toInt();
+        const QByteArray next = "plugin-version?round=" + QByteArray::number(round + 1);
+        connection.send(TlsService::response(302, {}, "text/html", {{"Location", next}}));
+    });
     f.checker->start();
     QTRY_VERIFY_WITH_TIMEOUT(!f.isAsking(), 20'000);
     QCOMPARE(f.results.size(), 0);
-    QVERIFY(f.service.requests().size() <= 51);
+    QCOMPARE(targets(f.service).size(), 51);
     QCOMPARE(f.log.size(), 1);
 }
 

@@ -1,5 +1,7 @@
 #include "ui/wrapping_label.h"
 
+#include "tests/unit/ui/ink.h"
+
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -152,14 +154,7 @@ void WrappingLabelTest::wordThatIsTooWideIsBroken()
         label.setText(text);
         label.setAlignment(side | Qt::AlignTop);
         label.resize(width, label.heightForWidth(width));
-        const QImage image = label.grab().toImage().convertToFormat(QImage::Format_Grayscale8);
-        const int ground = image.pixelColor(0, image.height() - 1).value();
-        qint64 sum = 0;
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x)
-                sum += std::abs(image.pixelColor(x, y).value() - ground);
-        }
-        return static_cast<double>(sum);
+        return inkOf(label);
     };
     const double whole = ink(1500);
     QVERIFY(whole > 0);
