@@ -46,6 +46,13 @@ void **placeOf(HMODULE module, const char *name)
     return nullptr;
 }
 
+/// The same by name; null as well when no such module is loaded.
+void **placeIn(const wchar_t *module, const char *name)
+{
+    const HMODULE loaded = GetModuleHandleW(module);
+    return loaded != nullptr ? placeOf(loaded, name) : nullptr;
+}
+
 void put(void **place, void *function)
 {
     DWORD protection = 0;
@@ -57,18 +64,17 @@ void put(void **place, void *function)
 } // namespace
 
 ImportPatch::ImportPatch(const wchar_t *module, const char *name, void *function)
+    : place_(placeIn(module, name))
 {
-    if (!isImported(module, name))
+    if (place_ == nullptr)
         qFatal("%ls does not import %s", module == nullptr ? L"This program" : module, name);
-    place_ = placeOf(GetModuleHandleW(module), name);
     original_ = *place_;
     put(place_, function);
 }
 
 bool ImportPatch::isImported(const wchar_t *module, const char *name)
 {
-    const HMODULE loaded = GetModuleHandleW(module);
-    return loaded != nullptr && placeOf(loaded, name) != nullptr;
+    return placeIn(module, name) != nullptr;
 }
 
 ImportPatch::~ImportPatch()
