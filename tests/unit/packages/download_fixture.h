@@ -41,6 +41,9 @@ public:
     QObject context;
 
     QString folder() const { return folder_.path(); }
+
+    /// Looks at the folder alone: one below it that is being listed cannot be removed under Wine.
+    bool isFolderEmpty() const;
     QString root() const { return folder_.filePath(QStringLiteral("Quillmar")); }
 
     void makeDownloads();
